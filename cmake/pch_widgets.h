@@ -1,0 +1,8 @@
+#pragma once
+
+#include "cmake/pch_core.h"
+
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QWidget>

@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# Starts the tool on the simulated bench. Without a display it drives the same window through a tour and writes pictures.
+# demo.sh [--tour [folder]]: asks for the tour in any case.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+ensure_packages "${build_packages[@]}"
+build_preset release tactile-host-demo
+demo="$root_dir/build/release/bin/tactile-host-demo"
+
+if [ "${1:-}" != --tour ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  exec "$demo"
+fi
+
+pictures=${2:-$root_dir/build/tour}
+mkdir -p "$pictures"
+say "Touring the tool without a display"
+for language in en zh_cn; do
+  # The tool's own log would bury what the tour prints.
+  QT_QPA_PLATFORM=offscreen "$demo" --tour "$pictures/$language" --language "$language" 2>"$pictures/$language.log"
+done
+say "Pictures and the tool's log are in $pictures"
