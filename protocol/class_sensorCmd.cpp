@@ -1,0 +1,175 @@
+#include "protocol/class_sensorCmd.h"
+
+#include <algorithm>
+
+namespace {
+
+const sensor_cmd_ts *findCommand(uint8_t cmd)
+{
+    const auto *row = std::find_if(cmds.cbegin(), cmds.cend(),
+                                   [cmd](const sensor_cmd_ts &each) { return each.cmd == cmd; });
+    return row == cmds.cend() ? nullptr : row;
+}
+
+/// Byte `index` of a value that goes out low byte first.
+uint8_t byteOf(uint32_t value, int index)
+{
+    return static_cast<uint8_t>((value >> (8 * index)) & 0xFF);
+}
+
+uint8_t build(uint8_t addr, uint8_t cmd, const RequestPayload &payload, uint8_t *buf)
+{
+    if (buf != nullptr) {
+        const QByteArray frame = requestFrame(addr, cmd, payload);
+        std::copy_n(frameBytes(frame), kRequestLength, buf);
+    }
+    return class_sensorCmd::getRspLen(cmd);
+}
+
+uint8_t build(uint8_t addr, uint8_t cmd, uint8_t *buf)
+{
+    return build(addr, cmd, {}, buf);
+}
+
+/// A byte that picks a channel or a point, then a value of 32 bits.
+RequestPayload indexAndValue(uint8_t index, uint32_t value)
+{
+    return {index, byteOf(value, 0), byteOf(value, 1), byteOf(value, 2), byteOf(value, 3)};
+}
+
+/// Where a frame carries one value and no channel, the value stands in the fourth place.
+RequestPayload singleValue(uint8_t value)
+{
+    return {0, 0, 0, value, 0};
+}
+
+} // namespace
+
+class_sensorCmd::class_sensorCmd(QObject *parent)
+    : QObject(parent)
+{}
+
+uint8_t class_sensorCmd::getRspLen(uint8_t cmd)
+{
+    const sensor_cmd_ts *row = findCommand(cmd);
+    return row == nullptr ? uint8_t{0} : row->rspLen;
+}
+
+QString class_sensorCmd::getStr(uint8_t cmd)
+{
+    const sensor_cmd_ts *row = findCommand(cmd);
+    return row == nullptr ? QString() : row->name;
+}
+
+uint8_t class_sensorCmd::SC_ChannelResetSingle(uint8_t addr, uint8_t ch, uint8_t *buf)
+{
+    return build(addr, 0x7C, {ch}, buf);
+}
+
+uint8_t class_sensorCmd::SC_ChannelResetAll(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x79, buf);
+}
+
+uint8_t class_sensorCmd::SC_GetVersion(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0xA0, buf);
+}
+
+uint8_t class_sensorCmd::SC_Reset(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0xA1, buf);
+}
+
+uint8_t class_sensorCmd::SC_ChannelEnable(uint8_t addr, uint8_t ch, uint8_t en, uint16_t mask, uint8_t *buf)
+{
+    // The firmware takes the upper byte of the mask from bit 7 on: bit 7 goes out twice.
+    const auto upper = static_cast<uint8_t>((mask >> 7) & 0xFF);
+    return build(addr, 0x7B, {ch, byteOf(mask, 0), upper, en}, buf);
+}
+
+uint8_t class_sensorCmd::SC_GetCali(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x7D, buf);
+}
+
+uint8_t class_sensorCmd::SC_Factor(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x76, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetCali(uint8_t addr, uint8_t idx, uint32_t value, uint8_t *buf)
+{
+    return build(addr, 0x78, indexAndValue(idx, value), buf);
+}
+
+uint8_t class_sensorCmd::SC_SetYddsUnif(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x7A, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetSendType(uint8_t addr, uint8_t type, uint8_t *buf)
+{
+    return build(addr, 0x7F, singleValue(type), buf);
+}
+
+uint8_t class_sensorCmd::SC_GetAddr(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x71, buf);
+}
+
+uint8_t class_sensorCmd::SC_GetType(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0xA2, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetAddr(uint8_t addr, uint8_t newAddr, uint8_t *buf)
+{
+    return build(addr, 0x70, singleValue(newAddr), buf);
+}
+
+uint8_t class_sensorCmd::SC_AutoDac(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x63, buf);
+}
+
+uint8_t class_sensorCmd::SC_AutoThreshold(uint8_t addr, uint8_t ch, uint32_t value, uint8_t *buf)
+{
+    return build(addr, 0x67, indexAndValue(ch, value), buf);
+}
+
+uint8_t class_sensorCmd::SC_GetAutoThreshold(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x68, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetChannelCali(uint8_t addr, uint8_t ch, uint8_t idx, uint32_t value,
+                                           uint8_t *buf)
+{
+    return build(addr, 0x65, {ch, idx, byteOf(value, 0), byteOf(value, 1), byteOf(value, 2)}, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetChannelThreshold(uint8_t addr, uint8_t ch, uint32_t value, uint8_t *buf)
+{
+    return build(addr, 0x69, indexAndValue(ch, value), buf);
+}
+
+uint8_t class_sensorCmd::SC_GetChannelCali(uint8_t addr, uint8_t ch, uint8_t *buf)
+{
+    return build(addr, 0x66, {ch}, buf);
+}
+
+uint8_t class_sensorCmd::SC_GetSensorChannel(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x62, buf);
+}
+
+uint8_t class_sensorCmd::SC_SetCapOffset(uint8_t addr, uint8_t offset, uint8_t *buf)
+{
+    return build(addr, 0x73, singleValue(offset), buf);
+}
+
+uint8_t class_sensorCmd::SC_GetErrCode(uint8_t addr, uint8_t *buf)
+{
+    return build(addr, 0x64, buf);
+}

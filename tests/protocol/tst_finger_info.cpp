@@ -1,0 +1,47 @@
+#include "protocol/finger_info.h"
+
+#include <QString>
+#include <QtTest>
+
+class tst_finger_info : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowsAreConsistent();
+    void searches();
+};
+
+void tst_finger_info::rowsAreConsistent()
+{
+    constexpr int kBlockLengths[] = {-1, -1, 22, 4, 6, 10}; // by format
+    QCOMPARE(static_cast<int>(finger_infos.size()), 76);
+    for (const finger_info_ts &row : finger_infos) {
+        QVERIFY(row.yddsFmt >= 2 && row.yddsFmt <= 5);
+        const int block = kBlockLengths[row.yddsFmt];
+        const int selfProximity = row.yddsFmt == 2 ? 0 : 3 * row.sProxNum;
+        QVERIFY(row.chBytes == 3 || row.chBytes == 4);
+        QVERIFY(row.forceChNum + row.sProxNum + row.mProxNum == row.chNum);
+        QVERIFY(row.packLen == 6 + row.chBytes * row.chNum + block * row.yddsNum + selfProximity +
+                                   3 * row.mProxNum + row.hasStatus + 2);
+        QVERIFY(row.packLen <= 189 && row.range > 0 && row.caliNum > 0);
+    }
+}
+
+void tst_finger_info::searches()
+{
+    QCOMPARE(findFingerInfoByPrg(0x6C), &finger_infos[34]); // the first of two
+    QCOMPARE(findFingerInfoByPrg(0x66), nullptr);
+    const finger_info_ts *palm = findFingerInfoByPrg(0x2A);
+    QVERIFY(palm != nullptr);
+    QCOMPARE(palm->range, 6.25F);
+    QCOMPARE(QString::fromUtf8(palm->name), QStringLiteral("岚峰-手掌"));
+
+    QCOMPARE(int(findFingerInfoByPackLen(62)->prg), 0x02);
+    QCOMPARE(int(findFingerInfoByPackLen(36)->prg), 0x1C);
+    QCOMPARE(int(findFingerInfoByPackLen(189)->prg), 0x2B);
+    QCOMPARE(findFingerInfoByPackLen(40), nullptr);
+}
+
+QTEST_APPLESS_MAIN(tst_finger_info)
+#include "tst_finger_info.moc"
