@@ -1,0 +1,1047 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="zh_CN">
+<context>
+    <name>QObject</name>
+    <message>
+        <source>,三维力</source>
+        <translation>,</translation>
+    </message>
+    <message>
+        <source>,互电容接近</source>
+        <translation>,Mutual Proximity</translation>
+    </message>
+    <message>
+        <source>,状态</source>
+        <translation>,Status</translation>
+    </message>
+    <message>
+        <source>,自电容接近</source>
+        <translation>,Self Proximity</translation>
+    </message>
+    <message>
+        <source>,通道</source>
+        <translation>,Ch</translation>
+    </message>
+    <message>
+        <source>IIC总线芯片(PCA9548)接口错误</source>
+        <translation>IIC err</translation>
+    </message>
+    <message>
+        <source>IIC总线芯片(PCA9548)设置失败</source>
+        <translation>IIC open err</translation>
+    </message>
+    <message>
+        <source>_切向力</source>
+        <translation>Tangential Force</translation>
+    </message>
+    <message>
+        <source>_方向</source>
+        <translation>Angle</translation>
+    </message>
+    <message>
+        <source>_法向力</source>
+        <translation>Normal Force</translation>
+    </message>
+    <message>
+        <source>互电容接近</source>
+        <translation>Mutual Proximity</translation>
+    </message>
+    <message>
+        <source>停止</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>切向力</source>
+        <translation>Tangential Force</translation>
+    </message>
+    <message>
+        <source>已连接</source>
+        <translation>Connected</translation>
+    </message>
+    <message>
+        <source>序号</source>
+        <translation>Index</translation>
+    </message>
+    <message>
+        <source>开始</source>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>开始更新</source>
+        <translation>Start download</translation>
+    </message>
+    <message>
+        <source>成功</source>
+        <translation>Success</translation>
+    </message>
+    <message>
+        <source>扫描中。。。</source>
+        <translation>Scan。。。</translation>
+    </message>
+    <message>
+        <source>接口</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>接口未打开</source>
+        <translation>Port disconnect</translation>
+    </message>
+    <message>
+        <source>文件加载失败</source>
+        <translation>Load file err</translation>
+    </message>
+    <message>
+        <source>文件打开失败</source>
+        <translation>File open err</translation>
+    </message>
+    <message>
+        <source>断开</source>
+        <translation>Disconnect</translation>
+    </message>
+    <message>
+        <source>方向</source>
+        <translation>Angle</translation>
+    </message>
+    <message>
+        <source>无PCA9548</source>
+        <translation>None</translation>
+    </message>
+    <message>
+        <source>更新取消</source>
+        <translation>Download cancel</translation>
+    </message>
+    <message>
+        <source>更新成功,用时：</source>
+        <translation>Success, time:</translation>
+    </message>
+    <message>
+        <source>更新超时</source>
+        <translation>Download timeout</translation>
+    </message>
+    <message>
+        <source>法向力</source>
+        <translation>Normal Force</translation>
+    </message>
+    <message>
+        <source>波特率</source>
+        <translation>Baudrate</translation>
+    </message>
+    <message>
+        <source>状态</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>用户程序文件为空文件</source>
+        <translation>File err</translation>
+    </message>
+    <message>
+        <source>自电容接近</source>
+        <translation>Self Proximity</translation>
+    </message>
+    <message>
+        <source>触觉传感器上位机</source>
+        <translation>Sensor</translation>
+    </message>
+    <message>
+        <source>转接板</source>
+        <translation>Board</translation>
+    </message>
+    <message>
+        <source>转接板-1(PCA9548-4)</source>
+        <translation>Board-1</translation>
+    </message>
+    <message>
+        <source>转接板-2(PCA9548-5)</source>
+        <translation>Board_2</translation>
+    </message>
+    <message>
+        <source>转接板-3(PCA9548-6)</source>
+        <translation>Board_3</translation>
+    </message>
+    <message>
+        <source>转接板-4(PCA9548-3)</source>
+        <translation>Board_4</translation>
+    </message>
+    <message>
+        <source>转接板-5(PCA9548-2)</source>
+        <translation>Board_5</translation>
+    </message>
+    <message>
+        <source>连接</source>
+        <translation>Connect</translation>
+    </message>
+    <message>
+        <source>选择app文件</source>
+        <translation>Select File</translation>
+    </message>
+    <message>
+        <source>通信接口打开失败</source>
+        <translation>Port open err</translation>
+    </message>
+    <message>
+        <source>通信接口未选择</source>
+        <translation>Port err</translation>
+    </message>
+    <message>
+        <source>通道</source>
+        <translation>ch</translation>
+    </message>
+</context>
+<context>
+    <name>Widget</name>
+    <message>
+        <source>固件更新</source>
+        <translation>Update</translation>
+    </message>
+    <message>
+        <source>地址设置</source>
+        <translation>Address</translation>
+    </message>
+    <message>
+        <source>显示</source>
+        <translation>Sensor</translation>
+    </message>
+    <message>
+        <source>调试</source>
+        <translation>Debug</translation>
+    </message>
+</context>
+<context>
+    <name>dataForm</name>
+    <message>
+        <source>使能</source>
+        <translation>Enable</translation>
+    </message>
+    <message>
+        <source>复位</source>
+        <translation>Reset</translation>
+    </message>
+    <message>
+        <source>通道</source>
+        <translation>Ch</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm</name>
+    <message>
+        <source>IIC地址</source>
+        <translation>IIC addr</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>信息</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>力</source>
+        <translation>Normal force</translation>
+    </message>
+    <message>
+        <source>原始值</source>
+        <translation>Raw</translation>
+    </message>
+    <message>
+        <source>固件版本</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>基值</source>
+        <translation>Basic</translation>
+    </message>
+    <message>
+        <source>复位</source>
+        <translation>Soft reset</translation>
+    </message>
+    <message>
+        <source>差值</source>
+        <translation>Difference</translation>
+    </message>
+    <message>
+        <source>恢复出厂参数</source>
+        <translation>Factory setting</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+    <message>
+        <source>数据</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>数据显示</source>
+        <translation>Data display</translation>
+    </message>
+    <message>
+        <source>滤波值</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>确定</source>
+        <translation>Set</translation>
+    </message>
+    <message>
+        <source>设置</source>
+        <translation>Set</translation>
+    </message>
+    <message>
+        <source>输出类型</source>
+        <translation>Send type</translation>
+    </message>
+    <message>
+        <source>通道值调整</source>
+        <translation>Channel Value Adjustment</translation>
+    </message>
+    <message>
+        <source>通道复位</source>
+        <translation>Channel reset</translation>
+    </message>
+    <message>
+        <source>采样率(Hz)</source>
+        <translation>SRC(Hz)</translation>
+    </message>
+</context>
+<context>
+    <name>fwUpdateForm</name>
+    <message>
+        <source>不加密</source>
+        <translation>Normal</translation>
+    </message>
+    <message>
+        <source>加密</source>
+        <translation>Encrypt</translation>
+    </message>
+    <message>
+        <source>复位命令</source>
+        <translation>Reset cmd</translation>
+    </message>
+    <message>
+        <source>定制</source>
+        <translation>Custom</translation>
+    </message>
+    <message>
+        <source>开始</source>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>接口选择</source>
+        <translation>Prot</translation>
+    </message>
+    <message>
+        <source>文件选择</source>
+        <translation>Select</translation>
+    </message>
+    <message>
+        <source>无</source>
+        <translation>No</translation>
+    </message>
+    <message>
+        <source>无PCA9548</source>
+        <translation>None</translation>
+    </message>
+    <message>
+        <source>程序文件</source>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>转接板-1(PCA9548-4)</source>
+        <translation>Board-1</translation>
+    </message>
+    <message>
+        <source>转接板-2(PCA9548-5)</source>
+        <translation>Board-2</translation>
+    </message>
+    <message>
+        <source>转接板-3(PCA9548-6)</source>
+        <translation>Board-3</translation>
+    </message>
+    <message>
+        <source>转接板-4(PCA9548-3)</source>
+        <translation>Board-4</translation>
+    </message>
+    <message>
+        <source>转接板-5(PCA9548-2)</source>
+        <translation>Board-5</translation>
+    </message>
+    <message>
+        <source>通讯接口</source>
+        <translation>Board</translation>
+    </message>
+    <message>
+        <source>默认</source>
+        <translation>Default</translation>
+    </message>
+</context>
+<context>
+    <name>sensorDebugForm</name>
+    <message>
+        <source>PCA9548通道设置</source>
+        <translation>PCA9548</translation>
+    </message>
+    <message>
+        <source>写</source>
+        <translation>Write</translation>
+    </message>
+    <message>
+        <source>写读</source>
+        <translation>Write/Read</translation>
+    </message>
+    <message>
+        <source>写读延迟(ms)</source>
+        <translation>Delay</translation>
+    </message>
+    <message>
+        <source>发送命令</source>
+        <translation>Cmd</translation>
+    </message>
+    <message>
+        <source>地址</source>
+        <translation>Addr</translation>
+    </message>
+    <message>
+        <source>接口选择</source>
+        <translation>Prot</translation>
+    </message>
+    <message>
+        <source>校验</source>
+        <translation>Verify</translation>
+    </message>
+    <message>
+        <source>清空</source>
+        <translation>Clear</translation>
+    </message>
+    <message>
+        <source>设置</source>
+        <translation>Set</translation>
+    </message>
+    <message>
+        <source>读</source>
+        <translation>Read</translation>
+    </message>
+    <message>
+        <source>读/写</source>
+        <translation>Write/Read</translation>
+    </message>
+    <message>
+        <source>读取</source>
+        <translation>Get</translation>
+    </message>
+    <message>
+        <source>读取长度</source>
+        <translation>Length</translation>
+    </message>
+    <message>
+        <source>调试信息</source>
+        <translation>Info</translation>
+    </message>
+    <message>
+        <source>转接板：</source>
+        <translation>Board:</translation>
+    </message>
+    <message>
+        <source>连接</source>
+        <translation>Connect</translation>
+    </message>
+    <message>
+        <source>通讯接口</source>
+        <translation>Board</translation>
+    </message>
+    <message>
+        <source>通道：</source>
+        <translation>Ch:</translation>
+    </message>
+    <message>
+        <source>速度</source>
+        <translation>Speed</translation>
+    </message>
+</context>
+<context>
+    <name>setSensorAddrForm</name>
+    <message>
+        <source>传感器状态</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>命令状态</source>
+        <translation>Command status</translation>
+    </message>
+    <message>
+        <source>当前地址</source>
+        <translation>Current Address</translation>
+    </message>
+    <message>
+        <source>接口</source>
+        <translation>Port</translation>
+    </message>
+    <message>
+        <source>接口未打开</source>
+        <translation>Port disconnect</translation>
+    </message>
+    <message>
+        <source>波特率</source>
+        <translation>Baudrate</translation>
+    </message>
+    <message>
+        <source>目标地址</source>
+        <translation>Target address</translation>
+    </message>
+    <message>
+        <source>设置</source>
+        <translation>Set</translation>
+    </message>
+    <message>
+        <source>连接</source>
+        <translation>Connect</translation>
+    </message>
+</context>
+<context>
+    <name>tactViewForm</name>
+    <message>
+        <source>中文</source>
+        <translation>Chinese</translation>
+    </message>
+    <message>
+        <source>保存</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>多窗口显示</source>
+        <translation>Multiwindow</translation>
+    </message>
+    <message>
+        <source>打开保存目录</source>
+        <translation>Open Save Folder</translation>
+    </message>
+    <message>
+        <source>数据</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>数据格式</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>显示序号</source>
+        <translation>Index</translation>
+    </message>
+    <message>
+        <source>服务器</source>
+        <translation>Http server</translation>
+    </message>
+    <message>
+        <source>转接板</source>
+        <translation>Board</translation>
+    </message>
+    <message>
+        <source>连接</source>
+        <translation>Connect</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_2</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Forcr</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+    <message>
+        <source>数据</source>
+        <translation>Data</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_17</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_18</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_19</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_20</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_21</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_22</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_23</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_24</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_29</name>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_37</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_38</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_39</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_40</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_41</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_42</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_43</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_44</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_45</name>
+    <message>
+        <source>三维力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_46</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_47</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_48</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_49</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_50</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_52</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_54</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_55</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_56</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_57</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_58</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_59</name>
+    <message>
+        <source>压力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_64</name>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_67</name>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_69</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_70</name>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_76</name>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_81</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_95</name>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_96</name>
+    <message>
+        <source>三维力</source>
+        <translation>Force</translation>
+    </message>
+    <message>
+        <source>压力</source>
+        <translation>Data</translation>
+    </message>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_98</name>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+<context>
+    <name>fingerForm_102</name>
+    <message>
+        <source>接近</source>
+        <translation>Proximity</translation>
+    </message>
+</context>
+</TS>
