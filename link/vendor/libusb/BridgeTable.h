@@ -1,0 +1,70 @@
+#pragma once
+
+#include "link/vendor/libusb/UsbBridge.h"
+
+#include <array>
+#include <memory>
+#include <mutex>
+
+/// The open bridges of one family by device index. An index is the position among the bridges plugged in at the time of
+/// opening; a bridge that is open keeps its index until it is closed. May be used from any thread.
+template<typename Chip, size_t Count>
+class BridgeTable
+{
+public:
+    using ChipPointer = std::shared_ptr<Chip>;
+
+    /// Null when the index is not open. A transfer in progress keeps its chip alive, whoever closes the index.
+    ChipPointer chip(uint32_t index)
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        return index < Count ? m_chips[index] : nullptr;
+    }
+
+    /// Null on failure. A bridge that is already open at that index stays as it is.
+    ChipPointer open(uint32_t index)
+    {
+        const UsbDevicePointer device = pluggedDevice(index);
+        if (device == nullptr || index >= Count)
+            return nullptr;
+        ChipPointer present = chip(index);
+        if (present != nullptr && present->device() == device.get())
+            return present;
+        close(index);
+        std::unique_ptr<UsbBridge> usb = UsbBridge::open(device.get(), Chip::kFamily);
+        if (usb == nullptr)
+            return nullptr;
+        ChipPointer opened = std::make_shared<Chip>(std::move(usb));
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_chips[index] = opened;
+        return opened;
+    }
+
+    void close(uint32_t index)
+    {
+        ChipPointer closing; // released after the lock, since giving a bridge back takes its time
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        if (index < Count)
+            closing.swap(m_chips[index]);
+    }
+
+    /// Runs a chip's operation on the bridge that is open at the index. Returns 1 on success, 0 when the operation failed or
+    /// the index is not open.
+    template<typename Operation>
+    uint32_t run(uint32_t index, Operation operation)
+    {
+        const ChipPointer opened = chip(index);
+        return opened != nullptr && operation(*opened) ? 1 : 0;
+    }
+
+    /// Null when no bridge has that index now.
+    static UsbDevicePointer pluggedDevice(uint32_t index)
+    {
+        std::vector<UsbDevicePointer> bridges = pluggedBridges(Chip::kFamily);
+        return index < bridges.size() ? std::move(bridges[index]) : nullptr;
+    }
+
+private:
+    std::mutex m_mutex; // guards m_chips
+    std::array<ChipPointer, Count> m_chips;
+};

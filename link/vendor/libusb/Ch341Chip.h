@@ -1,0 +1,40 @@
+#pragma once
+
+#include "link/vendor/libusb/UsbBridge.h"
+
+#include <mutex>
+
+/// An open CH341. Operations return true on success; each is a whole, whichever threads call.
+class Ch341Chip
+{
+public:
+    static constexpr BridgeFamily kFamily = BridgeFamily::Ch341;
+
+    explicit Ch341Chip(std::unique_ptr<UsbBridge> usb);
+
+    libusb_device *device() const { return m_usb->device(); }
+
+    /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB device.
+    bool reset();
+    bool flush();
+
+    /// I2C clock, mode 0 to 3.
+    bool setSpeed(uint32_t mode);
+
+    bool write(const uint8_t *stream, size_t length);
+    /// Sends a stream and collects what it reads, at most capacity bytes. Returns the count, 0 when an answer stayed out.
+    size_t writeRead(const uint8_t *stream, size_t length, uint8_t *buffer, size_t capacity);
+
+    /// Levels of the pins, bits 15..0 of the status word.
+    bool getPins(uint32_t &status);
+    bool setPins(uint8_t enable, uint32_t direction, uint32_t data);
+
+private:
+    bool sendSpeed();
+    bool queryPins(uint32_t &status);
+    int receiveAnswer(size_t size, uint8_t *buffer, size_t capacity);
+
+    std::mutex m_mutex; // one operation at a time on the bridge
+    std::unique_ptr<UsbBridge> m_usb;
+    uint8_t m_speedMode = 1;
+};

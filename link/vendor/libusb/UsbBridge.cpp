@@ -1,0 +1,125 @@
+#include "link/vendor/libusb/UsbBridge.h"
+
+#include <QDebug>
+
+#include <array>
+
+namespace {
+
+constexpr std::chrono::milliseconds kDrainLimit{15};
+constexpr int kMostDrainedPackets = 64;
+constexpr size_t kLargestPacket = 512;
+
+struct ConfigDeleter
+{
+    void operator()(libusb_config_descriptor *config) const { libusb_free_config_descriptor(config); }
+};
+using ConfigPointer = std::unique_ptr<libusb_config_descriptor, ConfigDeleter>;
+
+bool hasBulkEndpoint(const libusb_interface_descriptor &description, uint8_t address)
+{
+    for (int i = 0; i < description.bNumEndpoints; ++i) {
+        const libusb_endpoint_descriptor &endpoint = description.endpoint[i];
+        const int type = endpoint.bmAttributes & LIBUSB_TRANSFER_TYPE_MASK;
+        if (endpoint.bEndpointAddress == address && type == LIBUSB_TRANSFER_TYPE_BULK)
+            return true;
+    }
+    return false;
+}
+
+/// Number of the interface that speaks the bridge's own protocol, -1 when the device has none. The others, such as those of
+/// its serial ports, belong to the kernel.
+int bridgeInterfaceOf(libusb_device *device, BridgeEndpoints endpoints)
+{
+    libusb_config_descriptor *found = nullptr;
+    if (libusb_get_active_config_descriptor(device, &found) != LIBUSB_SUCCESS)
+        return -1;
+    const ConfigPointer config(found);
+    for (int i = 0; i < config->bNumInterfaces; ++i) {
+        if (config->interface[i].num_altsetting < 1)
+            continue;
+        const libusb_interface_descriptor &description = config->interface[i].altsetting[0];
+        if (description.bInterfaceClass == LIBUSB_CLASS_VENDOR_SPEC &&
+            hasBulkEndpoint(description, endpoints.out) && hasBulkEndpoint(description, endpoints.in))
+            return description.bInterfaceNumber;
+    }
+    return -1;
+}
+
+void logRefusal(libusb_device *device, int error)
+{
+    const std::string node = nodeOf(device);
+    if (error == LIBUSB_ERROR_ACCESS)
+        qWarning("no permission to use the bridge at %s: install the rules file "
+                 "61-tactile-bridges-uaccess.rules, then plug the bridge in again",
+                 node.c_str());
+    else
+        qWarning("the bridge at %s cannot be used: %s", node.c_str(), libusb_error_name(error));
+}
+
+} // namespace
+
+std::unique_ptr<UsbBridge> UsbBridge::open(libusb_device *device, BridgeFamily family)
+{
+    const BridgeEndpoints endpoints = endpointsOf(family);
+    const int interfaceNumber = bridgeInterfaceOf(device, endpoints);
+    if (interfaceNumber < 0) {
+        logRefusal(device, LIBUSB_ERROR_NOT_SUPPORTED);
+        return nullptr;
+    }
+    libusb_device_handle *handle = nullptr;
+    int result = libusb_open(device, &handle);
+    if (result == LIBUSB_SUCCESS) {
+        libusb_set_auto_detach_kernel_driver(handle, 1);
+        result = libusb_claim_interface(handle, interfaceNumber);
+        if (result == LIBUSB_SUCCESS)
+            return std::unique_ptr<UsbBridge>(new UsbBridge(handle, interfaceNumber, endpoints));
+        libusb_close(handle);
+    }
+    logRefusal(device, result);
+    return nullptr;
+}
+
+UsbBridge::UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints)
+    : m_handle(handle)
+    , m_interface(interfaceNumber)
+    , m_endpoints(endpoints)
+    , m_packetSize(static_cast<size_t>(libusb_get_max_packet_size(libusb_get_device(handle), endpoints.in)))
+{}
+
+UsbBridge::~UsbBridge()
+{
+    libusb_release_interface(m_handle, m_interface);
+    libusb_close(m_handle);
+}
+
+bool UsbBridge::send(const uint8_t *data, size_t length)
+{
+    int sent = 0;
+    // libusb takes the buffer of either direction through one pointer; it only reads this one.
+    const int result =
+        libusb_bulk_transfer(m_handle, m_endpoints.out, const_cast<uint8_t *>(data), static_cast<int>(length),
+                             &sent, static_cast<unsigned>(kTimeLimit.count()));
+    return result == LIBUSB_SUCCESS && sent == static_cast<int>(length);
+}
+
+int UsbBridge::receive(uint8_t *buffer, size_t capacity, std::chrono::milliseconds limit)
+{
+    int received = 0;
+    const int result = libusb_bulk_transfer(m_handle, m_endpoints.in, buffer, static_cast<int>(capacity),
+                                            &received, static_cast<unsigned>(limit.count()));
+    return result == LIBUSB_SUCCESS ? received : -1;
+}
+
+void UsbBridge::drain()
+{
+    std::array<uint8_t, kLargestPacket> rubbish;
+    for (int i = 0; i < kMostDrainedPackets && receive(rubbish.data(), rubbish.size(), kDrainLimit) >= 0;
+         ++i) {
+    }
+}
+
+bool UsbBridge::reset()
+{
+    return libusb_reset_device(m_handle) == LIBUSB_SUCCESS;
+}

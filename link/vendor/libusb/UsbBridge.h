@@ -1,0 +1,46 @@
+#pragma once
+
+#include "link/vendor/libusb/usb_bridges.h"
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+
+/// A bridge that is open and claimed: bytes out, bytes in, each within a finite time. Not thread-safe.
+class UsbBridge
+{
+public:
+    /// Null when the bridge cannot be had; the log then says why. A kernel driver that holds it is detached and gets it back
+    /// when the bridge is closed.
+    static std::unique_ptr<UsbBridge> open(libusb_device *device, BridgeFamily family);
+    ~UsbBridge();
+    UsbBridge(const UsbBridge &) = delete;
+    UsbBridge &operator=(const UsbBridge &) = delete;
+
+    libusb_device *device() const { return libusb_get_device(m_handle); }
+    /// Longest packet that the bridge sends, in bytes.
+    size_t packetSize() const { return m_packetSize; }
+
+    /// True when all bytes have gone out.
+    bool send(const uint8_t *data, size_t length);
+
+    /// Waits for bytes of the bridge, up to one full packet or to capacity, which has to be a multiple of packetSize().
+    /// Returns the count, or -1 when nothing came in time or the bridge is gone.
+    int receive(uint8_t *buffer, size_t capacity, std::chrono::milliseconds limit = kTimeLimit);
+
+    /// Throws away what the bridge still has to say.
+    void drain();
+
+    /// Makes the bridge start afresh as if it had been plugged in.
+    bool reset();
+
+    static constexpr std::chrono::milliseconds kTimeLimit{1000};
+
+private:
+    UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints);
+
+    libusb_device_handle *m_handle;
+    int m_interface;
+    BridgeEndpoints m_endpoints;
+    size_t m_packetSize;
+};
