@@ -1,0 +1,54 @@
+#include "sim/SimNotifier.h"
+
+#include <utility>
+
+SimNotifier::SimNotifier()
+    : m_thread([this] { run(); })
+{}
+
+SimNotifier::~SimNotifier()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stop = true;
+    }
+    m_changed.notify_all();
+    m_thread.join();
+}
+
+void SimNotifier::setRoutine(Routine routine)
+{
+    std::unique_lock lock(m_mutex);
+    m_routine = std::move(routine);
+    m_events.clear();
+    if (std::this_thread::get_id() != m_thread.get_id())
+        m_changed.wait(lock, [this] { return !m_running; });
+}
+
+void SimNotifier::notify(uint32_t status)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_routine)
+        return;
+    m_events.push_back(status);
+    m_changed.notify_all();
+}
+
+void SimNotifier::run()
+{
+    std::unique_lock lock(m_mutex);
+    for (;;) {
+        m_changed.wait(lock, [this] { return m_stop || !m_events.empty(); });
+        if (m_stop)
+            return;
+        const uint32_t status = m_events.front();
+        m_events.pop_front();
+        const Routine routine = m_routine;
+        m_running = true;
+        lock.unlock();
+        routine(status);
+        lock.lock();
+        m_running = false;
+        m_changed.notify_all();
+    }
+}

@@ -1,0 +1,231 @@
+#include "link/vendor/ch341dll.h"
+#include "link/vendor/invalid_handle.h"
+#include "sim/SimCh341.h"
+#include "sim/SimUsb.h"
+
+#include <QtTest>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QByteArray hex(const char *text)
+{
+    return QByteArray::fromHex(text);
+}
+
+bool write341(const QByteArray &packet)
+{
+    auto length = static_cast<uint32_t>(packet.size());
+    return CH341WriteData(0, packet.constData(), &length) != 0;
+}
+
+QByteArray read341(const QByteArray &packet)
+{
+    QByteArray bytes(63, '\0');
+    uint32_t length = 0;
+    if (CH341WriteRead(0, static_cast<uint32_t>(packet.size()), packet.constData(), 63, 1, &length,
+                       bytes.data()) == 0)
+        return {};
+    return bytes.left(static_cast<int>(length));
+}
+
+std::shared_ptr<SimSensor> quietSensor(uint8_t programId, uint8_t address)
+{
+    auto sensor = std::make_shared<SimSensor>(programId, address);
+    sensor->setSampleRateHz(0);
+    return sensor;
+}
+
+std::atomic<int> arrivals;
+std::atomic<int> removals;
+std::atomic<bool> routineAllowed;
+std::atomic<int> forbiddenRuns;
+
+void TACTILE_VENDOR_CALL countEvents(uint32_t status)
+{
+    ++(status == 0 ? removals : arrivals);
+    if (!routineAllowed)
+        ++forbiddenRuns;
+}
+
+} // namespace
+
+class tst_sim_bridges : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void longReadInChunks();
+    void absentTarget();
+    void multiplexerSelects();
+    void resetPinClearsTheMultiplexer();
+    void brokenMultiplexer();
+    void malformedPackets();
+    void transfersFailWhenTold();
+    void cablePulledInTheMiddle();
+    void busTakesItsTime();
+    void notificationPromise();
+
+private:
+    std::unique_ptr<SimUsb> m_usb;
+    std::shared_ptr<SimI2cBus> m_bus;
+    std::shared_ptr<SimCh341> m_ch341;
+};
+
+void tst_sim_bridges::init()
+{
+    m_usb = std::make_unique<SimUsb>();
+    m_bus = std::make_shared<SimI2cBus>();
+    m_ch341 = std::make_shared<SimCh341>(m_bus, 5, 2);
+    m_usb->plug(m_ch341);
+    QVERIFY(!isInvalidHandle(CH341OpenDevice(0)));
+}
+
+void tst_sim_bridges::cleanup()
+{
+    m_usb.reset();
+}
+
+void tst_sim_bridges::longReadInChunks()
+{
+    const auto sensor = quietSensor(0x2B, 0x10);
+    m_bus->plug(sensor);
+    QByteArray frame = read341(hex("AA7481214F4FDE00"));
+    QCOMPARE(frame.size(), 30);
+    for (int chunk = 0; chunk < 5; ++chunk)
+        frame += read341(hex("AADE00"));
+    frame += read341(hex("AAC8C07500"));
+    QCOMPARE(frame.toHex(), sensor->sampleFrame().toHex());
+    QCOMPARE(m_bus->journal().count(SimRecord::Kind::Read, frame), 1);
+    QCOMPARE(m_ch341->malformedPackets(), 0);
+}
+
+void tst_sim_bridges::absentTarget()
+{
+    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("ffff"));
+    QCOMPARE(read341(hex("AA7480207500")).toHex(), QByteArrayLiteral("ef"));
+    QCOMPARE(read341(hex("AA7480E07500")).toHex(), QByteArrayLiteral("6f"));
+    QCOMPARE(m_bus->journal().count(SimRecord::Kind::Refused), 2);
+}
+
+void tst_sim_bridges::multiplexerSelects()
+{
+    const auto first = quietSensor(0x1F, 0x10);
+    const auto second = quietSensor(0x02, 0x10);
+    m_bus->plug(first, 4);
+    m_bus->plug(second, 5);
+    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("ff"));
+    QVERIFY(write341(hex("AA7481E04F4F81107500")));
+    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("10"));
+    QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), first->sampleFrame().toHex());
+    QCOMPARE(m_bus->journal().records(SimRecord::Kind::Read).back().channels, uint8_t(0x10));
+    QVERIFY(write341(hex("AA7481E081207500")));
+    QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), second->sampleFrame().left(27).toHex());
+    QVERIFY(write341(hex("AA7481E081307500")));
+    QCOMPARE(read341(hex("AA748121C5C07500")).toHex(),
+             QByteArrayLiteral("55aa10850000")); // both pull: 0C and 20
+}
+
+void tst_sim_bridges::resetPinClearsTheMultiplexer()
+{
+    QVERIFY(write341(hex("AA7481E081107500")));
+    uint32_t status = 0;
+    QVERIFY(CH341GetInput(0, &status) != 0);
+    QCOMPARE(status & 0x400U, 0x400U);
+    QVERIFY(CH341SetOutput(0, 3, 0xFF00, status & ~0x400U) != 0);
+    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("ff")); // held in reset
+    QVERIFY(CH341SetOutput(0, 3, 0xFF00, status) != 0);
+    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("00"));
+}
+
+void tst_sim_bridges::brokenMultiplexer()
+{
+    m_bus->plug(quietSensor(0x1F, 0x10), 4);
+    m_bus->setChannelStuck(4, SimPca9548::Stuck::Connected);
+    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("55"));
+    m_bus->setMultiplexerDead(true);
+    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("ff"));
+}
+
+void tst_sim_bridges::malformedPackets()
+{
+    for (const char *packet : {"7481E17500", "AA7481", "AA747576"})
+        QVERIFY(write341(hex(packet)));
+    QCOMPARE(m_ch341->malformedPackets(), 3);
+    QVERIFY(read341(hex("AA7481E1C1E0C07500")).size() <= 33); // more than a segment may read
+    QCOMPARE(m_ch341->malformedPackets(), 4);
+}
+
+void tst_sim_bridges::transfersFailWhenTold()
+{
+    m_bus->plug(quietSensor(0x1F, 0x10));
+    m_ch341->failTransfers(1, 1);
+    m_ch341->shortenReads(1);
+    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("55"));
+    QVERIFY(read341(hex("AA748121C1C07500")).isEmpty());
+    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("55aa"));
+}
+
+void tst_sim_bridges::cablePulledInTheMiddle()
+{
+    m_bus->plug(quietSensor(0x1F, 0x10));
+    m_ch341->pullOutAfter(12);
+    QVERIFY(read341(hex("AA748121DAC07500")).isEmpty());
+    QVERIFY(!m_ch341->isPlugged());
+    QVERIFY(CH341GetDeviceName(0) == nullptr);
+    m_usb->plug(m_ch341);
+    QVERIFY(!m_ch341->isOpen());
+    CH341OpenDevice(0);
+    QCOMPARE(read341(hex("AA748121DAC07500")).size(), 27);
+}
+
+void tst_sim_bridges::busTakesItsTime()
+{
+    m_bus->plug(quietSensor(0x1F, 0x10));
+    m_bus->setTimed(true);
+    QVERIFY(CH341SetStream(0, 0) != 0);
+    const auto before = m_bus->busTime();
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(read341(hex("AA748121DAC07500")).size(), 27);
+    // 28 bytes of 9 bits, start and stop, at 20 kHz.
+    QCOMPARE((m_bus->busTime() - before).count(), 254LL * 50000);
+    QVERIFY(timer.nsecsElapsed() >= 254LL * 50000);
+    QCOMPARE(CH341SetStream(0, 4), 0U);
+}
+
+void tst_sim_bridges::notificationPromise()
+{
+    arrivals = 0;
+    removals = 0;
+    forbiddenRuns = 0;
+    std::atomic<bool> stop{false};
+    std::thread plugger([&] {
+        while (!stop) {
+            m_usb->unplug(m_ch341);
+            m_usb->plug(m_ch341);
+        }
+    });
+    for (int i = 0; i < 500; ++i) {
+        routineAllowed = true;
+        CH341SetDeviceNotify(0, nullptr, countEvents);
+        if (i % 50 == 0)
+            QTRY_VERIFY(arrivals > i / 50 && removals > i / 50);
+        CH341SetDeviceNotify(0, nullptr, nullptr);
+        routineAllowed = false;
+    }
+    stop = true;
+    plugger.join();
+    QCOMPARE(forbiddenRuns.load(), 0);
+}
+
+QTEST_GUILESS_MAIN(tst_sim_bridges)
+#include "tst_sim_bridges.moc"

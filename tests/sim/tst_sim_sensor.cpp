@@ -1,0 +1,134 @@
+#include "sim/SimSensor.h"
+
+#include <QtTest>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+QByteArray hex(const char *text)
+{
+    return QByteArray::fromHex(text);
+}
+
+/// The request with its sum behind it.
+QByteArray request(const char *text)
+{
+    QByteArray frame = hex(text);
+    unsigned int sum = 0;
+    for (const char byte : frame)
+        sum += static_cast<uint8_t>(byte);
+    frame.append(static_cast<char>(sum)).append(static_cast<char>(sum >> 8));
+    return frame;
+}
+
+} // namespace
+
+class tst_sim_sensor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void settingsSurviveLossOfPower();
+    void refusesAndIgnores();
+    void faults_data();
+    void faults();
+    void chanceIsReproducible();
+    void lateAnswersWaitOnI2c();
+};
+
+void tst_sim_sensor::settingsSurviveLossOfPower()
+{
+    SimSensor sensor(0x1F, 0x1F);
+    for (const char *command :
+         {"AA550069 02 F4010000", "AA550065 03 01 FFFFFF", "AA550065 03 02 FFFFFF7F",
+          "AA550059 01 03 07 0000803F", "AA55007B 01 0000 00 00", "AA550070 000000 61 00"})
+        QVERIFY(!sensor.answerRequest(request(command)).bytes.isEmpty());
+    sensor.powerCycle();
+    const SimSettings settings = sensor.settings();
+    QCOMPARE(settings.thresholds[2], 500U);
+    QCOMPARE(settings.curves[3][1], 0xFFFFFFU);
+    QCOMPARE(settings.curves[3][2], 0x7FFFFFFFU);
+    QCOMPARE(settings.filterDepths[1], uint8_t(3));
+    QCOMPARE(settings.filterFactors[1], 1.0F);
+    QCOMPARE(settings.enabled[1], uint8_t(0));
+    QCOMPARE(settings.address, uint8_t(0x61));
+
+    sensor.answerRequest(request("AA550076 0000000000"));
+    QCOMPARE(sensor.settings().thresholds[2], 100U);
+    QCOMPARE(sensor.settings().address, uint8_t(0x61));
+}
+
+void tst_sim_sensor::refusesAndIgnores()
+{
+    SimSensor sensor(0x1F, 0x1F);
+    sensor.setRefusal(0x69, 5);
+    QCOMPARE(sensor.answerRequest(request("AA550069 02 F4010000")).bytes.at(7), '\x05');
+    QCOMPARE(sensor.settings().thresholds[2], 100U);
+    sensor.setUnknown(0xA6);
+    QVERIFY(sensor.answerRequest(request("AA5500A6 0000000000")).bytes.isEmpty());
+    QVERIFY(sensor.answerRequest(request("AA552069 02 F4010000")).bytes.isEmpty()); // another one's address
+    QVERIFY(sensor.answerRequest(request("AA550072 0000000000")).bytes.isEmpty());  // meant for all
+    QVERIFY(sensor.answerRequest(hex("AA5500690200000000FFFF")).bytes.isEmpty());   // wrong sum
+}
+
+void tst_sim_sensor::faults_data()
+{
+    QTest::addColumn<int>("fault");
+    QTest::addColumn<QByteArray>("answer");
+
+    const auto row = [](const char *name, SimFault fault, const QByteArray &answer) {
+        QTest::newRow(name) << static_cast<int>(fault) << answer;
+    };
+    row("silence", SimFault::Silence, {});
+    row("bad sum", SimFault::BadSum, hex("55AA1FF31002"));
+    row("glued", SimFault::GluedFrame, hex("55AA1FF3110255AA1FF31102"));
+    row("wrong echo", SimFault::WrongEcho, hex("55AA1FF21002"));
+    row("wrong length", SimFault::WrongLength, hex("55AA1F1E01"));
+}
+
+void tst_sim_sensor::faults()
+{
+    QFETCH(int, fault);
+    QFETCH(QByteArray, answer);
+    const QByteArray command = request("AA550073 0000000200");
+    SimSensor sensor(0x1F, 0x1F);
+    sensor.faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x73), 1);
+    QVERIFY(!sensor.answerRequest(request("AA55007F 0000000000")).bytes.isEmpty());
+    QCOMPARE(sensor.answerRequest(command).bytes.toHex(), answer.toHex());
+    QCOMPARE(sensor.answerRequest(command).bytes.toHex(), QByteArrayLiteral("55aa1ff31102"));
+}
+
+void tst_sim_sensor::chanceIsReproducible()
+{
+    const QByteArray frame(36, 'x');
+    const auto run = [&frame](uint32_t seed) {
+        SimFaults faults(seed);
+        faults.setChance(SimFault::FlippedBit, SimTarget::samples(), 0.3);
+        faults.setChance(SimFault::LeadingNoise, SimTarget::samples(), 0.3);
+        faults.setChance(SimFault::CutFrame, SimTarget::samples(), 0.1);
+        QList<QByteArray> passed;
+        for (int i = 0; i < 200; ++i)
+            passed.append(faults.pass(frame, SimTarget::samples()).bytes);
+        return passed;
+    };
+    QCOMPARE(run(5), run(5));
+    QVERIFY(run(5) != run(6));
+    QVERIFY(run(5).count(frame) > 40 && run(5).count(frame) < 140);
+}
+
+void tst_sim_sensor::lateAnswersWaitOnI2c()
+{
+    SimSensor sensor(0x1F, 0x1F);
+    sensor.setAnswerDelay(50ms);
+    sensor.writeI2c(request("AA5500A6 0000000000"));
+    QCOMPARE(sensor.beginReadI2c().at(3), '\x85');
+    bool answered = false;
+    QTRY_VERIFY(answered = answered || sensor.beginReadI2c().at(3) == '\xA6');
+    QCOMPARE(sensor.beginReadI2c().at(3), '\x85');
+    sensor.faults().schedule(SimFault::Silence, SimTarget::samples());
+    QVERIFY(sensor.beginReadI2c().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(tst_sim_sensor)
+#include "tst_sim_sensor.moc"
