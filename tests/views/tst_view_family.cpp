@@ -1,0 +1,287 @@
+// Every program id: which view it gets, and what that view is made of. The table is stated here once more.
+
+#include "tests/support/log_capture.h"
+#include "tests/views/view_probe.h"
+#include "views/models/fingerForm_null.h"
+#include "views/models/view_layout.h"
+
+#include <QLabel>
+#include <QMap>
+#include <QProgressBar>
+#include <QRegularExpression>
+#include <QScopeGuard>
+#include <QTabWidget>
+#include <QTest>
+#include <QTranslator>
+
+namespace {
+
+/// What the views of some numbers have in common.
+struct Expected
+{
+    QVector<int> numbers;
+    int barMaximum;
+    int deepRed;
+    int middleRed;
+    int gauges;
+    int discs;
+    int sProxBars;
+    int mProxBars;
+    const char *titles;
+    const char *englishTitles;
+    bool showsNumbers;
+};
+
+// clang-format off
+const Expected kViews[] = {
+    {{2}, 300000, 139, 140, 1, 0, 1, 0, "三维力 压力 接近 数据", "Data Forcr Proximity Data", false},
+    {{17}, 300000, 139, 140, 2, 0, 2, 1, "三维力 压力 接近", "Data Force Proximity", false},
+    {{18}, 300000, 139, 140, 2, 0, 1, 0, "三维力 接近", "Data Proximity", false},
+    {{19}, 300000, 139, 140, 1, 0, 1, 0, "三维力 压力 接近", "Data Force Proximity", true},
+    {{20}, 300000, 139, 140, 2, 0, 1, 0, "三维力 压力 接近", "Data Force Proximity", false},
+    {{21, 22, 23}, 300000, 139, 140, 3, 0, 2, 1, "三维力 压力 接近", "Data Force Proximity", false},
+    {{24, 46}, 300000, 139, 140, 2, 0, 1, 0, "压力 接近", "Force Proximity", true},
+    {{25, 26}, 300000, 139, 140, 0, 0, 0, 0, "", "", false},
+    {{27, 28, 30}, 300000, 139, 140, 1, 0, 1, 0, "", "", false},
+    {{29}, 300000, 139, 140, 2, 0, 2, 1, "接近", "Proximity", false},
+    {{31}, 300000, 139, 140, 1, 0, 0, 0, "", "", false},
+    {{34}, 340000, 139, 140, 0, 0, 0, 0, "", "", false},
+    {{37, 47, 49, 57, 58}, 370000, 139, 140, 1, 0, 1, 0, "压力 接近", "Force Proximity", false},
+    {{38}, 380000, 139, 140, 2, 0, 1, 1, "压力 接近", "Force Proximity", false},
+    {{39}, 390000, 139, 140, 1, 0, 1, 0, "压力 接近", "Force Proximity", false},
+    {{40}, 400000, 140, 140, 1, 0, 1, 0, "压力 接近", "Force Proximity", false},
+    {{41}, 410000, 141, 141, 1, 0, 1, 0, "压力 接近", "Force Proximity", false},
+    {{42}, 450000, 145, 145, 3, 31, 1, 0, "压力 接近", "Force Proximity", false},
+    {{43}, 430000, 143, 143, 2, 0, 2, 1, "三维力 压力 接近", "Data Force Proximity", false},
+    {{44}, 450000, 145, 145, 1, 13, 1, 0, "三维力 压力 接近", "Force Data Proximity", true},
+    {{45}, 450000, 145, 145, 15, 0, 1, 0, "三维力 压力 接近", "Data Force Proximity", false},
+    {{48}, 370000, 139, 140, 2, 0, 2, 1, "压力 接近", "Force Proximity", false},
+    {{50, 54}, 370000, 139, 140, 1, 0, 1, 0, "压力 接近", "Force Proximity", true},
+    {{52}, 370000, 139, 140, 2, 0, 2, 1, "压力 接近", "Force Proximity", true},
+    {{55, 56, 96}, 370000, 139, 140, 1, 0, 1, 0, "三维力 压力 接近", "Force Data Proximity", true},
+    {{59}, 370000, 139, 140, 4, 0, 1, 0, "压力 接近", "Force Proximity", true},
+    {{64, 95}, 370000, 139, 140, 1, 0, 1, 0, "压力 接近", "Data Proximity", false},
+    {{67, 70}, 300000, 139, 140, 2, 0, 1, 0, "压力 接近", "Data Proximity", false},
+    {{69}, 410000, 141, 141, 1, 0, 1, 0, "三维力 压力 接近", "Force Data Proximity", false},
+    {{76}, 450000, 145, 145, 3, 12, 1, 0, "压力 接近", "Data Proximity", false},
+    {{81}, 370000, 139, 140, 1, 0, 1, 0, "三维力 压力 接近", "Force Data Proximity", false},
+    {{83}, 450000, 145, 145, 1, 5, 1, 0, "", "", false},
+    {{85}, 450000, 145, 145, 1, 10, 2, 1, "", "", false},
+    {{86}, 450000, 145, 145, 1, 10, 1, 0, "", "", false},
+    {{98}, 450000, 145, 145, 1, 0, 1, 0, "接近", "Proximity", false},
+    {{102}, 370000, 139, 140, 1, 0, 1, 0, "接近", "Proximity", true},
+    {{110, 111}, 370000, 139, 140, 1, 12, 1, 0, "", "", true},
+};
+// clang-format on
+
+/// Ids that are shown by another model's view.
+const QMap<int, int> kElsewhere{{60, 20},  {61, 21},  {62, 23},  {63, 24},  {64, 50},  {65, 50},   {66, 50},
+                                {75, 50},  {108, 50}, {68, 67},  {80, 67},  {82, 81},  {84, 83},   {87, 86},
+                                {88, 85},  {91, 64},  {92, 64},  {93, 64},  {94, 64},  {97, 76},   {99, 52},
+                                {100, 54}, {104, 54}, {105, 54}, {106, 54}, {107, 54}, {103, 102}, {113, 19}};
+
+int viewNumber(int programId)
+{
+    return kElsewhere.value(programId, programId);
+}
+
+const Expected *expectedView(int programId)
+{
+    const int number = viewNumber(programId);
+    for (const Expected &each : kViews) {
+        if (each.numbers.contains(number))
+            return &each;
+    }
+    return nullptr;
+}
+
+ViewProbe probe(int programId)
+{
+    const int number = viewNumber(programId);
+    return ViewProbe(programId, number == 102 || number == 111 ? number : 0);
+}
+
+/// How many there are of a row of names that count from 1 without a gap.
+template<typename Kind>
+int countOf(const ViewProbe &view, const char *name)
+{
+    int found = 0;
+    while (view.find<Kind>(name, found + 1) != nullptr)
+        ++found;
+    return found;
+}
+
+QString titles(const ViewProbe &view)
+{
+    QStringList texts;
+    const auto *pages = view.widget->findChild<QTabWidget *>(QStringLiteral("tabWidget"));
+    for (int i = 0; pages != nullptr && i < pages->count(); ++i)
+        texts.append(pages->tabText(i));
+    return texts.join(QLatin1Char(' '));
+}
+
+/// A row for every id, or for one of each view only; 64 itself shows 50.
+void addRows(bool everyId)
+{
+    QTest::addColumn<int>("id");
+    for (int id = 0; id < 256; ++id) {
+        if (everyId || (expectedView(id) != nullptr && (viewNumber(id) == id || id == 91)))
+            QTest::addRow("id %d", id) << id;
+    }
+}
+
+} // namespace
+
+class TestViewFamily : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyProgramId_data() { addRows(true); }
+    void everyProgramId();
+    void pagesInEnglish_data() { addRows(false); }
+    void pagesInEnglish();
+    void numbersAndShades_data() { addRows(false); }
+    void numbersAndShades();
+    void nothingOverlaps_data() { addRows(false); }
+    void nothingOverlaps();
+    void barsCutTheirValues();
+    void skeletonFollowsTheNormalForce();
+    void parentThatDiesDuringABox();
+};
+
+void TestViewFamily::everyProgramId()
+{
+    QFETCH(int, id);
+    const LogCapture log;
+    const ViewProbe view = probe(id);
+    QVERIFY(view.boxesCame());
+    const Expected *expected = expectedView(id);
+    if (expected == nullptr) {
+        QVERIFY(view.finger == nullptr);
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("not found finger:%1").arg(id)));
+        return;
+    }
+    QVERIFY(view.finger != nullptr);
+    const int number = viewNumber(id);
+    const QString name = QStringLiteral("fingerForm_%1").arg(number);
+    QCOMPARE(QString::fromLatin1(view.widget->metaObject()->className()), name);
+    QCOMPARE(log.count(name + (id == 2 ? QStringLiteral(" new:8") : QStringLiteral(" new"))), 1);
+    const bool hasRow = number != 102 && number != 111;
+    QCOMPARE(view.finger->info, hasRow ? findFingerInfoByPrg(static_cast<uint8_t>(number)) : nullptr);
+    QCOMPARE(view.finger->widget, hasRow ? view.widget.get() : nullptr);
+
+    QCOMPARE(countOf<ydds>(view, "label_"), expected->gauges);
+    QCOMPARE(countOf<ydds>(view, "lbPress_"), expected->discs);
+    QCOMPARE(countOf<QProgressBar>(view, "pbSProx_"), expected->sProxBars);
+    QCOMPARE(countOf<QProgressBar>(view, "pbMProx_"), expected->mProxBars);
+    for (const QProgressBar *bar : view.widget->findChildren<QProgressBar *>()) {
+        QCOMPARE(bar->minimum(), 0);
+        QCOMPARE(bar->maximum(), expected->barMaximum);
+    }
+    QCOMPARE(titles(view), QString::fromUtf8(expected->titles));
+    const auto *pages = view.widget->findChild<QTabWidget *>();
+    QCOMPARE(pages == nullptr, expected->titles[0] == '\0');
+    QVERIFY(pages == nullptr || pages->currentIndex() == 0);
+}
+
+void TestViewFamily::pagesInEnglish()
+{
+    QFETCH(int, id);
+    Q_INIT_RESOURCE(translations);
+    QTranslator english;
+    QVERIFY(english.load(QStringLiteral(":/en.qm")));
+    QCoreApplication::installTranslator(&english);
+    const auto back = qScopeGuard([&english] { QCoreApplication::removeTranslator(&english); });
+    const ViewProbe view = probe(id);
+    QCOMPARE(titles(view), QString::fromUtf8(expectedView(id)->englishTitles));
+    static const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
+    for (const QLabel *label : view.widget->findChildren<QLabel *>())
+        QVERIFY(!label->text().contains(chinese));
+}
+
+void TestViewFamily::numbersAndShades()
+{
+    QFETCH(int, id);
+    const Expected *expected = expectedView(id);
+    const ViewProbe view = probe(id);
+    for (unsigned char i = 0; i < 16; ++i) // one more than any view has
+        view.finger->setYdds(i, 5.0F, 1.234F, 77);
+    // A quarter of the scale: 54. View 18 is a static picture.
+    const QColor middling(255, expected->middleRed, expected->middleRed);
+    for (int i = 1; i <= expected->gauges; ++i)
+        QCOMPARE(view.gauge(i)->discBrush.color(), id == 18 ? QColor(Qt::white) : middling);
+    if (expected->gauges == 0 || id == 18)
+        return;
+    view.finger->setShowData(true);
+    view.finger->setYdds(0, 19.0F, 1.234F, 77); // 205.2
+    QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 0, 0));
+    QCOMPARE(view.gauge(1)->text(), expected->showsNumbers ? QStringLiteral("19.00\n1.23\n77") : QString());
+    view.finger->setShowData(false);
+    view.finger->setYdds(0, 20.5F, 1.234F, 77);
+    QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 9, 9));
+    QCOMPARE(view.gauge(1)->text(), QString());
+}
+
+void TestViewFamily::nothingOverlaps()
+{
+    QFETCH(int, id);
+    const ViewProbe view = probe(id);
+    auto *pages = view.widget->findChild<QTabWidget *>();
+    for (const QSize &size : {QSize(1, 1), QSize(333, 257), QSize(700, 300), QSize(300, 900)}) {
+        view.widget->resize(size.expandedTo(view.widget->minimumSizeHint()));
+        for (int page = 0; page < (pages != nullptr ? pages->count() : 1); ++page) {
+            if (pages != nullptr)
+                pages->setCurrentIndex(page);
+            view.widget->grab(); // lays out as if it were shown
+        }
+        QMap<const QWidget *, QRegion> taken; // by page
+        for (const QWidget *one : view.widget->findChildren<QWidget *>()) {
+            if (qobject_cast<const ydds *>(one) == nullptr &&
+                qobject_cast<const sensorForm *>(one) == nullptr)
+                continue;
+            QVERIFY(one->height() >= 10);
+            QVERIFY2(one->parentWidget()->rect().contains(one->geometry()), qPrintable(one->objectName()));
+            QVERIFY2(!taken[one->parentWidget()].intersects(one->geometry()), qPrintable(one->objectName()));
+            taken[one->parentWidget()] += one->geometry();
+        }
+    }
+}
+
+void TestViewFamily::barsCutTheirValues()
+{
+    const ViewProbe view = probe(85);
+    view.finger->setSProx(0, 449999);
+    view.finger->setSProx(1, 0xFFFFFFFF);
+    view.finger->setSProx(2, 5);
+    view.finger->setMProx(0, 450001);
+    view.finger->setMProx(1, 5);
+    QCOMPARE(view.find<QProgressBar>("pbSProx_", 1)->value(), 449999);
+    QCOMPARE(view.find<QProgressBar>("pbSProx_", 2)->value(), 450000);
+    QCOMPARE(view.find<QProgressBar>("pbMProx_", 1)->value(), 450000);
+}
+
+void TestViewFamily::skeletonFollowsTheNormalForce()
+{
+    fingerForm_null view(skeletonLayout());
+    const auto *gauge = view.findChild<ydds *>(QStringLiteral("label_1"));
+    view.setYdds(0, 5.0F, 0.0F, 359);
+    view.setYdds(1, 1.0F, 3.0F, 0);
+    QCOMPARE(gauge->direction, uint16_t(359));
+    QCOMPARE(gauge->discBrush.color(), QColor(255, 145, 145));
+    view.setYdds(0, 0.0F, 3.0F, 10);
+    QCOMPARE(gauge->direction, uint16_t(0xFFFF));
+}
+
+void TestViewFamily::parentThatDiesDuringABox()
+{
+    BoxAnswer boxes;
+    boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
+    auto *panel = new QWidget;
+    boxes.whileOpen = [panel] { delete panel; };
+    QVERIFY(makeView(111, panel) == nullptr);
+    QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
+}
+
+QTEST_MAIN(TestViewFamily)
+#include "tst_view_family.moc"

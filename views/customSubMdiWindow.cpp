@@ -1,0 +1,8 @@
+#include "views/customSubMdiWindow.h"
+
+#include <QCloseEvent>
+
+void customSubMdiWindow::closeEvent(QCloseEvent *event)
+{
+    event->ignore();
+}

@@ -1,0 +1,81 @@
+#include "views/gauge_painting.h"
+
+#include <QPainter>
+#include <QtMath>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int kSmallestRadius = 2;
+
+/// A length that never falls below a fifth, so that an arrow that is shown can be seen.
+int scaledLength(int length, float scale)
+{
+    return static_cast<int>(length * static_cast<double>(scale) * 0.8 + length * 0.2);
+}
+
+QPoint truncated(double x, double y)
+{
+    return {static_cast<int>(x), static_cast<int>(y)};
+}
+
+/// A disc with an outline of its own colour, one pixel wide: the same as a disc of half a pixel more, which is painted
+/// in half the time.
+void drawDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour)
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(QPointF(centre), radius + 0.5, radius + 0.5);
+}
+
+QLine barb(QPoint tip, int degrees, int length)
+{
+    const double angle = qDegreesToRadians(static_cast<double>(degrees % 360));
+    return {tip, truncated(tip.x() - qSin(angle) * length, tip.y() - qCos(angle) * length)};
+}
+
+void drawArrow(QPainter &painter, QPoint centre, const GaugeSize &size, const GaugeLook &look)
+{
+    QPen pen(look.arrowPen);
+    pen.setWidth(look.arrowExtraWidth + size.arrowWidth);
+    painter.setPen(pen);
+
+    // A direction beyond 360 wraps at 16 bits before it is used as an angle.
+    const auto degrees = static_cast<uint16_t>(360 - look.direction);
+    const double angle = qDegreesToRadians(static_cast<double>(degrees)) - M_PI_2;
+    const int length = scaledLength(size.radius - 2, look.arrowScale);
+    const QPoint tip = truncated(centre.x() - qCos(angle) * length, centre.y() + qSin(angle) * length);
+
+    const int barbLength = scaledLength(size.radius / 3, look.arrowScale);
+    const std::array<QLine, 3> lines{QLine(centre, tip), barb(tip, degrees + 135, barbLength),
+                                     barb(tip, degrees + 225, barbLength)};
+    painter.drawLines(lines.data(), static_cast<int>(lines.size()));
+}
+
+} // namespace
+
+GaugeSize gaugeSize(int width, int height, bool halo)
+{
+    const int half = std::min(width / 2, height / 2);
+    const int bound = halo ? static_cast<int>(half / 1.5) : half;
+    const int arrowWidth = bound >= 40 ? bound / 20 : 2;
+    return {std::max(bound - arrowWidth, kSmallestRadius), arrowWidth};
+}
+
+void paintGauge(QPainter &painter, const GaugeLook &look)
+{
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QPoint centre(look.width / 2, look.height / 2);
+    const GaugeSize size = gaugeSize(look.width, look.height, look.halo);
+    if (look.halo && look.haloBrush.color() != QColor(Qt::white)) {
+        painter.setOpacity(0.8);
+        drawDisc(painter, centre, static_cast<int>(size.radius * 1.5), look.haloBrush.color());
+        painter.setOpacity(1.0);
+    }
+    if (look.discBrush.color() != QColor(Qt::white))
+        drawDisc(painter, centre, size.radius, look.discBrush.color());
+    if (look.direction != kNoArrow)
+        drawArrow(painter, centre, size, look);
+}
