@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <cstdint>
+
+class class_finger;
+
+/// Appends the samples of one sensor to a comma-separated file, one file a run.
+///
+/// Every line is written by one operation between an open and a close, so that a crash loses at most the sample in
+/// hand. A line that does not fit on the disk is taken back whole.
+class SampleRecorder
+{
+public:
+    /// infIdx: bus entry from 0; the file name counts from 1.
+    SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t addr);
+
+    /// Appends what the view holds. Starts a file when no run is on. A sample that cannot be written is lost with a log
+    /// line; the run goes on.
+    void append(const class_finger &view);
+    /// The next sample starts a new file.
+    void endRun() { saveFileName.clear(); }
+
+private:
+    QString newFileName() const;
+
+    QString savePath;
+    QString saveFileName; ///< empty: no run
+    uint8_t m_infIdx;
+    uint8_t m_addr;
+};
