@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+/// What the fuzzers do with one input; ends the process when something that must hold does not. Both need a
+/// VirtualTime dispatcher and an application object.
+
+/// Parses the input as Intel HEX text.
+void fuzzHexToBin(const uint8_t *input, std::size_t size);
+
+/// Runs a transfer whose receiver and owner act as the input tells them.
+void fuzzYmodem(const uint8_t *input, std::size_t size);

@@ -1,0 +1,137 @@
+// The input is a size, and then what happens at each poll: the low bits of a byte choose an answer, the high bits
+// sometimes an act of the owner.
+
+#include "tests/fuzz/fuzz_check.h"
+#include "tests/fuzz/fuzz_inputs.h"
+#include "tests/update/VirtualTime.h"
+#include "update/class_ymodem.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+QByteArray testImage(int size)
+{
+    QByteArray bytes;
+    for (int i = 0; i < size; ++i)
+        bytes.append(static_cast<char>((i * 31 + i / 128) & 0xFF));
+    return bytes;
+}
+
+unsigned crcOf(const QByteArray &field)
+{
+    unsigned crc = 0;
+    for (const char byte : field) {
+        crc ^= static_cast<unsigned>(byte & 0xFF) << 8U;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc << 1U ^ ((crc & 0x8000U) != 0 ? 0x1021U : 0U)) & 0xFFFFU;
+    }
+    return crc;
+}
+
+/// Plays owner and receiver.
+class Script
+{
+public:
+    Script(const uint8_t *input, std::size_t size, const QByteArray &image)
+        : m_next(input)
+        , m_end(input + size)
+        , m_image(image)
+        , m_sender(QStringLiteral("firmware.bin"), image)
+    {
+        QObject::connect(&m_sender, &class_ymodem::si_read, &m_sender, [this](uint16_t len) {
+            fuzzCheck(len == 1, "polls one byte");
+            answerPoll();
+        });
+        QObject::connect(&m_sender, &class_ymodem::si_write, &m_sender, [this](const QByteArray &pack) {
+            checkFrame(pack);
+            if (!m_losesCompletion)
+                m_sender.sl_writeSuccess();
+        });
+        QObject::connect(&m_sender, &class_ymodem::si_setProgress, &m_sender,
+                         [this](uint8_t percent) { m_percent = percent; });
+        QObject::connect(&m_sender, &class_ymodem::si_updateSuccess, &m_sender,
+                         [this] { fuzzCheck(m_percent == 100, "success at 100 percent"); });
+    }
+
+    void run(VirtualTime &time)
+    {
+        m_sender.update_start();
+        while (m_next != m_end && time.step())
+            fuzzCheck(m_percent <= 100, "at most 100 percent");
+    }
+
+private:
+    void answerPoll()
+    {
+        if (m_next == m_end)
+            return;
+        const unsigned choice = *m_next++;
+        m_losesCompletion = choice >> 4U == 0xF;
+        if (choice >> 4U == 0xE)
+            m_sender.update_cancel();
+        m_sender.sl_received1(answer(choice & 0xFU));
+    }
+
+    QByteArray answer(unsigned choice)
+    {
+        static const QByteArray cancels(6, 0x18);
+        static const std::array<QByteArray, 11> answers{"\x06",          "C",
+                                                        "\x15",          QByteArray(1, '\0'),
+                                                        QByteArray(),    cancels.left(5),
+                                                        cancels.left(4), "\x06\x06",
+                                                        "C\x06",         "\xFF",
+                                                        cancels};
+        if (choice < answers.size())
+            return answers.at(choice);
+        const auto length = std::min<std::ptrdiff_t>(choice - 9, m_end - m_next);
+        QByteArray raw(reinterpret_cast<const char *>(m_next), static_cast<int>(length));
+        m_next += length;
+        return raw;
+    }
+
+    void checkFrame(const QByteArray &pack) const
+    {
+        if (pack.isEmpty() || pack == QByteArray::fromHex("04000000") || pack == QByteArray(8, 0x18))
+            return;
+        fuzzCheck(pack.size() == 136 || pack.size() == 1032, "length of a frame");
+        fuzzCheck(pack.at(0) == (pack.size() == 136 ? 1 : 2), "kind of a frame");
+        fuzzCheck(static_cast<char>(~pack.at(1)) == pack.at(2), "inverted sequence");
+        const QByteArray field = pack.mid(3, pack.size() - 8);
+        const unsigned crc = crcOf(field);
+        fuzzCheck(pack.at(pack.size() - 5) == static_cast<char>(crc >> 8U) &&
+                      pack.at(pack.size() - 4) == static_cast<char>(crc & 0xFFU),
+                  "checksum");
+        if (pack.at(1) != 0)
+            checkPayload((pack.at(1) - 1) * 1024, field);
+    }
+
+    void checkPayload(int at, const QByteArray &field) const
+    {
+        const QByteArray payload = m_image.mid(at, field.size());
+        const char filler = at == 0 && field.size() == 1024 ? '\0' : '\x1A';
+        fuzzCheck(field == payload + QByteArray(field.size() - payload.size(), filler), "payload");
+    }
+
+    const uint8_t *m_next;
+    const uint8_t *m_end;
+    QByteArray m_image;
+    class_ymodem m_sender;
+    unsigned m_percent = 0;
+    bool m_losesCompletion = false;
+};
+
+} // namespace
+
+void fuzzYmodem(const uint8_t *input, std::size_t size)
+{
+    if (size < 2)
+        return;
+    VirtualTime &time = VirtualTime::current();
+    const int imageSize = (input[0] | input[1] << 8) % 8193;
+    Script(input + 2, size - 2, testImage(imageSize)).run(time);
+    time.advance(100); // lets go of what was armed for a sender that is gone
+}

@@ -1,0 +1,220 @@
+// What is sent for a file: Intel HEX text as bytes, padding, masking. Independent truth for HEX comes from objcopy.
+
+#include "tests/support/log_capture.h"
+#include "update/firmware_image.h"
+#include "update/hex2bin.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+QByteArray bytes(int size, int seed = 0)
+{
+    QByteArray result;
+    for (int i = 0; i < size; ++i)
+        result.append(static_cast<char>((i * 7 + i / 251 + seed) & 0xFF));
+    return result;
+}
+
+/// A HEX line for a record with the right check byte.
+QByteArray record(int type, int offset, const QByteArray &data)
+{
+    QByteArray raw;
+    raw.append(static_cast<char>(data.size()));
+    raw.append(static_cast<char>(offset >> 8));
+    raw.append(static_cast<char>(offset & 0xFF));
+    raw.append(static_cast<char>(type));
+    raw.append(data);
+    int sum = 0;
+    for (const char byte : raw)
+        sum += byte;
+    raw.append(static_cast<char>(-sum & 0xFF));
+    return ':' + raw.toHex().toUpper() + '\n';
+}
+
+const QByteArray kEnd = QByteArrayLiteral(":00000001FF\n");
+
+} // namespace
+
+class tst_firmware_image : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void hexText_data();
+    void hexText();
+    void hexLog_data();
+    void hexLog();
+    void asObjcopyMakesIt();
+    void differsFromObjcopyWhereAddressesJump();
+    void padding();
+    void masking();
+    void suffix();
+    void longFilesTakeLinearTime();
+};
+
+void tst_firmware_image::hexText_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("image");
+    const QByteArray data = QByteArrayLiteral(":0400000001020304F2\n");
+    const QByteArray four = QByteArrayLiteral("\x01\x02\x03\x04");
+
+    QTest::newRow("nothing") << QByteArray() << QByteArray();
+    QTest::newRow("data and end") << data + kEnd << four;
+    QTest::newRow("no end record") << data << four;
+    QTest::newRow("carriage returns") << QByteArray(":0400000001020304F2\r\n:00000001FF\r\n") << four;
+    QTest::newRow("text and blank lines before") << QByteArray("firmware 1.0\n\n \n") + data << four;
+    QTest::newRow("colon not first is no record") << " " + data + data << four;
+    QTest::newRow("nothing counts after the end record") << data + kEnd + data << four;
+    QTest::newRow("zero byte ends the text") << data + '\0' + ":zz\n" << four;
+    QTest::newRow("zero byte within a record") << data + data.left(10) + '\0' + data << QByteArray();
+    QTest::newRow("out of order stays so")
+        << record(0, 0x10, "B") + record(0, 0, "A") + kEnd << QByteArray("BA");
+    QTest::newRow("gap is closed") << record(0, 0, "A") + record(0, 0x1000, "B") + kEnd << QByteArray("AB");
+    QTest::newRow("bases carry no data")
+        << record(2, 0, QByteArray("\x10\x00", 2)) + record(0, 0, "A") +
+               record(3, 0, QByteArray("\x12\x34\x56\x78", 4)) + record(4, 0, QByteArray("\x08\x00", 2)) +
+               record(0, 0, "B") + kEnd
+        << QByteArray("AB");
+    QTest::newRow("255 bytes in a record") << record(0, 0, bytes(255)) + kEnd << bytes(255);
+
+    QTest::newRow("only an end record") << kEnd << QByteArray();
+    QTest::newRow("bad sum in the last line") << data + ":00000001FE\n" << QByteArray();
+    QTest::newRow("start linear address") << data + record(5, 0, "1234") + kEnd << QByteArray();
+    QTest::newRow("unreadable data") << QByteArray(":04000000010x0304F2\n") << QByteArray();
+    QTest::newRow("missing check") << QByteArray(":0400000001020304\n") << QByteArray();
+    QTest::newRow("shorter than it says") << QByteArray(":0500000001020304F1\n") << QByteArray();
+}
+
+void tst_firmware_image::hexText()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, image);
+    const LogCapture quiet;
+    QCOMPARE(hex2bin::hexToBin(text).toHex(), image.toHex());
+}
+
+void tst_firmware_image::hexLog_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QStringList>("lines");
+    QTest::newRow("bad sum") << QByteArray(":0400000001020304F3\n")
+                             << QStringList{QStringLiteral("Checksum error at line::0400000001020304F3")};
+    QTest::newRow("unsupported type")
+        << record(5, 0, "1234") << QStringList{QStringLiteral("Unsupported record type:5")};
+    QTest::newRow("nothing at all") << QByteArray() << QStringList{QStringLiteral("QMap()")};
+    QTest::newRow("no end record: by address, the last one stands")
+        << record(0, 16, "B") + record(0, 0, "A") + record(0, 16, "C")
+        << QStringList{QStringLiteral("QMap((0, \"A\")(16, \"C\"))")};
+    QTest::newRow("start segment moves the base")
+        << record(3, 0, QByteArray("\x10\x00\x56\x78", 4)) + record(0, 1, "A")
+        << QStringList{QStringLiteral("QMap((65537, \"A\"))")};
+    QTest::newRow("linear base comes out sixteen times too high")
+        << record(4, 0, QByteArray("\x00\x01", 2)) + record(0, 1, "A")
+        << QStringList{QStringLiteral("QMap((1048577, \"A\"))")};
+}
+
+void tst_firmware_image::hexLog()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(QStringList, lines);
+    const LogCapture log;
+    hex2bin::hexToBin(text);
+    QCOMPARE(log.lines(), lines);
+}
+
+namespace {
+
+QString objcopyPath()
+{
+    return QStandardPaths::findExecutable(QStringLiteral("objcopy"));
+}
+
+/// Content of the file that objcopy makes of input; empty when it fails.
+QByteArray objcopied(const QByteArray &input, const QString &from, const QString &to)
+{
+    const QTemporaryDir dir;
+    const QString source = dir.filePath(QStringLiteral("in"));
+    const QString target = dir.filePath(QStringLiteral("out"));
+    QFile in(source);
+    if (!in.open(QIODevice::WriteOnly) || in.write(input) != input.size())
+        return {};
+    in.close();
+    QProcess::execute(objcopyPath(), {QStringLiteral("-I"), from, QStringLiteral("-O"), to, source, target});
+    QFile out(target);
+    return out.open(QIODevice::ReadOnly) ? out.readAll() : QByteArray();
+}
+
+} // namespace
+
+void tst_firmware_image::asObjcopyMakesIt()
+{
+    if (objcopyPath().isEmpty())
+        QSKIP("objcopy is missing: install binutils");
+    for (const int size : {1, 15, 16, 17, 65536, 65537, 200001}) {
+        const QByteArray image = bytes(size);
+        const QByteArray text = objcopied(image, QStringLiteral("binary"), QStringLiteral("ihex"));
+        QVERIFY(text.startsWith(':'));
+        QVERIFY(hex2bin::hexToBin(text) == image);
+    }
+}
+
+void tst_firmware_image::differsFromObjcopyWhereAddressesJump()
+{
+    if (objcopyPath().isEmpty())
+        QSKIP("objcopy is missing: install binutils");
+    const QByteArray text = record(0, 0x20, "C") + record(0, 0, "A") + record(0, 4, "B") + kEnd;
+    const QByteArray sorted = objcopied(text, QStringLiteral("ihex"), QStringLiteral("binary"));
+    QCOMPARE(sorted, QByteArray("A") + QByteArray(3, '\0') + "B" + QByteArray(27, '\0') + "C");
+    QCOMPARE(hex2bin::hexToBin(text), QByteArray("CAB"));
+}
+
+void tst_firmware_image::padding()
+{
+    for (const int size : {1, 7, 8, 9, 16, 23, 24, 25, 40}) {
+        const QByteArray image = firmwareImage(QStringLiteral("app.bin"), bytes(size), false);
+        const bool isPadded = size == 8 || size == 24 || size == 40;
+        QCOMPARE(image, bytes(size) + QByteArray(isPadded ? 8 : 0, '\xFF'));
+    }
+}
+
+void tst_firmware_image::masking()
+{
+    LogCapture log;
+    const auto masked = [](const char *hex) {
+        return firmwareImage(QStringLiteral("app.bin"), QByteArray::fromHex(hex), true).toHex();
+    };
+    QCOMPARE(masked("00000000"), QByteArray("b3c1275e"));
+    QCOMPARE(masked("B3C1275EFFFFFFFF112233"), QByteArray("000000004c3ed8a1112233"));
+    QCOMPARE(masked("010203"), QByteArray("010203"));
+    QCOMPARE(masked("0000000000000000"), QByteArray("b3c1275eb3c1275e4c3ed8a14c3ed8a1"));
+    QCOMPARE(log.lines().join(QLatin1Char(' ')), QStringLiteral("merge merge merge merge"));
+}
+
+void tst_firmware_image::suffix()
+{
+    const QByteArray text = record(0, 0, "A") + kEnd;
+    for (const char *name : {"app.hex", "APP.HEX", "app.bin.Hex"})
+        QCOMPARE(firmwareImage(QLatin1String(name), text, false), QByteArray("A"));
+    for (const char *name : {"app.bin", "app.hex.bin", "hex"})
+        QCOMPARE(firmwareImage(QLatin1String(name), text, false), text);
+}
+
+void tst_firmware_image::longFilesTakeLinearTime()
+{
+    const QByteArray text = record(0, 0, bytes(16)).repeated(1 << 20) + kEnd;
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(hex2bin::hexToBin(text).size(), 16 << 20);
+    // A cost that grows with the square would take minutes.
+    QVERIFY2(timer.elapsed() < 20000, qPrintable(QString::number(timer.elapsed())));
+}
+
+QTEST_GUILESS_MAIN(tst_firmware_image)
+#include "tst_firmware_image.moc"
