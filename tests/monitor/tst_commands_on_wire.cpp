@@ -1,0 +1,226 @@
+// Every command of a panel from the control to the wire and from the answer to the control, with sensors that obey,
+// refuse, stay silent and talk nonsense.
+
+#include "tests/monitor/monitor_bench.h"
+
+#include "tests/support/box_answer.h"
+#include "tests/support/log_capture.h"
+
+#include <QDoubleSpinBox>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <QSpinBox>
+#include <QTabWidget>
+#include <QTableWidget>
+
+#include <functional>
+
+namespace {
+
+/// The window, the sensor and the panel that all rows share; every row leaves them usable.
+struct World : MonitorBench
+{
+    World()
+        : sensor(plug(2, 0x61))
+    {
+        ready = find({QStringLiteral("0/0x61")});
+        panel = MonitorBench::panel("0-0x61");
+    }
+    template<typename Widget>
+    Widget *of(const char *name) const
+    {
+        return panel->findChild<Widget *>(QLatin1String(name));
+    }
+    void click(const char *name) const { of<QAbstractButton>(name)->click(); }
+    QLineEdit *cell(const char *table, int row, int column) const
+    {
+        return qobject_cast<QLineEdit *>(of<QTableWidget>(table)->cellWidget(row, column));
+    }
+    void edit(const char *table, int row, int column, const char *text) const
+    {
+        QLineEdit *edited = cell(table, row, column);
+        edited->setText(QLatin1String(text));
+        Q_EMIT edited->editingFinished();
+    }
+    QString shown(const char *table, int row, int column) const
+    {
+        return cell(table, row, column) ? cell(table, row, column)->text() : QString();
+    }
+    QStringList requests()
+    {
+        QStringList frames;
+        for (const SimRecord &record : line.journal().records(SimRecord::Kind::Request))
+            frames += QString::fromLatin1(record.bytes.toHex());
+        return frames;
+    }
+    /// True when nothing waits any more: a last question came back. Asks again, for a sensor may be starting up.
+    bool settled()
+    {
+        auto *label = of<QLabel>("lbTemp");
+        label->clear();
+        constexpr int attempts = 10;
+        for (int attempt = 0; attempt < attempts; ++attempt) {
+            click("pbtnGetTemp");
+            if (QTest::qWaitFor([label] { return !label->text().isEmpty(); }, kPatienceMs / attempts))
+                return true;
+        }
+        return false;
+    }
+
+    std::shared_ptr<SimSensor> sensor;
+    fingerForm *panel = nullptr;
+    bool ready = false;
+};
+
+struct Row
+{
+    const char *name;
+    std::function<void(World &)> act;
+    const char *request;
+    std::function<bool(World &)> effect;
+};
+
+const char *const kTable = "tbwThreshold";
+const char *const kCurves = "tbwCaliTable";
+
+bool always(World &)
+{
+    return true;
+}
+
+// clang-format off
+const QVector<Row> kRows = {
+    {"all parameters", [](World &w) { w.of<QTableWidget>(kTable)->setColumnCount(10); w.click("pbtnGetThreshold"); }, "aa55614a0000000000aa01",
+     [](World &w) { return !w.shown(kTable, 7, 0).isEmpty() && !w.shown(kTable, 7, 6).isEmpty() && w.cell(kTable, 7, 9) && w.cell(kTable, 7, 5); }},
+    {"threshold", [](World &w) { w.edit(kTable, 1, 0, "123456"); }, "aa5561690140e20100ed02",
+     [](World &w) { return w.sensor->settings().thresholds.at(1) == 123456; }},
+    {"excitation, read again", [](World &w) { w.edit(kTable, 1, 1, "20"); w.cell(kTable, 1, 1)->setText(QStringLiteral("1")); }, "aa5561500114000000c501",
+     [](World &w) { return w.sensor->settings().excitations.at(1) == 20 && w.shown(kTable, 1, 1) == QStringLiteral("20"); }},
+    {"range", [](World &w) { w.edit(kTable, 1, 2, "22"); }, "aa5561520116000000c901",
+     [](World &w) { return w.sensor->settings().ranges.at(1) == 22; }},
+    {"filter", [](World &w) { w.cell(kTable, 1, 3)->setText(QStringLiteral("4")); w.cell(kTable, 1, 4)->setText(QStringLiteral("5")); w.edit(kTable, 1, 5, "0.5"); },
+     "aa5561590104050000003f0202", [](World &w) { return w.sensor->settings().filterFactors.at(1) == 0.5F; }},
+    {"timeout", [](World &w) { w.edit(kTable, 1, 6, "3600000"); }, "aa55615d0180ee36006203",
+     [](World &w) { return w.sensor->settings().touchTimeoutsMs.at(1) == 3600000; }},
+    {"adjust at power-up", [](World &w) { w.click("chkbtnAutoDacPowerUp"); }, "aa5561400100000000a101",
+     [](World &w) { return w.sensor->settings().autoDacAtPowerUp == 1; }},
+    {"adjustment read", [](World &w) { w.of<QCheckBox>("chkbtnAutoDacPowerUp")->setChecked(false); w.panel->getAutoDacPowerUp(); }, "aa5561410000000000a101",
+     [](World &w) { return w.of<QCheckBox>("chkbtnAutoDacPowerUp")->isChecked(); }},
+    {"release of pressure", [](World &w) { w.of<QSpinBox>("spbPressReleaseThreshold")->setValue(70000); w.of<QSpinBox>("spbPressReleaseThresholdScale")->setValue(2);
+        w.click("pbtnSetPressReleaseThreshold"); }, "aa55614370110100022702", [](World &w) { return w.sensor->settings().pressReleaseMaximum == 70000; }},
+    {"release of proximity", [](World &w) { w.of<QSpinBox>("spbProxReleaseThreshold")->setValue(70000); w.of<QSpinBox>("spbProxReleaseThresholdScale")->setValue(2);
+        w.click("pbtnSetProxReleaseThreshold"); }, "aa55614570110100022902", [](World &w) { return w.sensor->settings().proximityReleaseScale == 2; }},
+    {"release read", [](World &w) { w.of<QSpinBox>("spbProxReleaseThreshold")->setValue(1); w.panel->getReleaseThreshold(); }, "aa5561460000000000a601",
+     [](World &w) { return w.of<QSpinBox>("spbProxReleaseThreshold")->value() == 70000; }},
+    {"clear without proximity", [](World &w) { w.of<QSpinBox>("spbProxClearTouchTimeout")->setValue(1500); w.click("chkbtnProxClearTouch"); }, "aa55615c0000000000bc01",
+     [](World &w) { return w.sensor->settings().proximityClearDelayMs == 1500 && w.of<QCheckBox>("chkbtnProxClearTouch")->isChecked(); }},
+    {"high sensitivity", [](World &w) { w.click("rbtnModeHighBd"); }, "aa5561560100000000b701", [](World &w) { return w.sensor->settings().measuringMode == 1; }},
+    {"temperature", [](World &w) { w.of<QLabel>("lbTemp")->clear(); w.click("pbtnGetTemp"); }, "aa5561740000000000d401", [](World &w) { return !w.of<QLabel>("lbTemp")->text().isEmpty(); }},
+    {"temperature calibrated", [](World &w) { w.of<QDoubleSpinBox>("dspbTempCali")->setValue(1.5); w.click("pbtnTempCali"); }, "aa5561750000c03f00d402",
+     [](World &w) { return w.sensor->settings().temperatureCalibration == 1.5F; }},
+    {"pressure threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbTouchThreshold")->setValue(0.29); w.click("pbtnTouchThreshold"); }, "aa55616a011c000000e701", always},
+    {"automatic threshold", [](World &w) { w.click("pbtnAutoThreshold"); }, "aa5561670300000000ca01", always},
+    {"channel values", [](World &w) { w.click("pbtnAutoDac"); }, "aa5561630000000000c301", always},
+    {"all channels", [](World &w) { w.click("pbtnChannelResetAll"); }, "aa5561790000000000d901", always},
+    {"counts", [](World &w) { w.panel->getSensorNum(); }, "aa5561620000000000c201", always},
+    {"channel disabled", [](World &w) { auto *box = w.of<QWidget>("sawgDataList")->findChildren<QCheckBox *>().at(3); box->setChecked(true); box->setChecked(false); },
+     "aa55617b0300000000de01", [](World &w) { return w.sensor->settings().enabled.at(3) == 0; }},
+    {"channel reset", [](World &w) { w.of<QWidget>("sawgDataList")->findChildren<QPushButton *>().at(7)->click(); }, "aa55617c0700000000e301", always},
+    {"send type", [](World &w) { w.of<QTabWidget>("tabWidget")->setCurrentIndex(2); w.of<QComboBox>("cbbSetSendType")->setCurrentIndex(3); }, "aa55617f0000000300e201",
+     [](World &w) { return w.sensor->settings().sendType == 3; }},
+    {"calibration forces", [](World &w) { w.panel->getCaliNList(); }, "aa55616d0000000000cd01", [](World &w) { return w.of<QComboBox>("cbbCaliList")->count() == 22; }},
+    {"calibration curves", [](World &w) { w.click("pbtnCaliRefresh"); }, "aa55616f0000000000cf01",
+     [](World &w) { return w.shown(kCurves, 1, 7) == QStringLiteral("2000") && !w.of<QLabel>("lbCaliTableState")->text().isEmpty(); }},
+    {"force as threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbSetPressThresholdPress")->setValue(99); w.click("pbtnSetPressThreshold"); }, "aa55616900f05500000e03",
+     [](World &w) { return w.sensor->settings().thresholds.at(0) == 22000; }},
+    {"calibration point", [](World &w) { w.edit(kCurves, 1, 2, "1500"); }, "aa5561650201dc0500a902",
+     [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 1500 && w.shown(kCurves, 1, 2) == QStringLiteral("1500"); }},
+    {"large calibration point", [](World &w) { w.edit(kCurves, 1, 2, "16777215"); }, "aa5561650201ffffff00c504",
+     [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 16777215; }},
+    {"calibration cleared", [](World &w) { w.click("pbtnCaliClear"); }, "",
+     [](World &w) { return w.sensor->settings().curves.at(7).at(21) == 0 && w.shown(kCurves, 21, 7) == QStringLiteral("0"); }},
+    {"software reset", [](World &w) { w.of<QWidget>("scrollArea")->findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click(); }, "aa5561a100000000000102", always},
+};
+// clang-format on
+
+} // namespace
+
+class TestCommandsOnWire : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        m_world = std::make_unique<World>();
+        QVERIFY(m_world->ready);
+        QVERIFY(m_world->settled());
+    }
+    void cleanupTestCase() { m_world.reset(); }
+
+    void obeyed_data()
+    {
+        QTest::addColumn<int>("index");
+        for (int i = 0; i < kRows.size(); ++i)
+            QTest::newRow(kRows.at(i).name) << i;
+    }
+    void obeyed()
+    {
+        QFETCH(int, index);
+        const Row &row = kRows.at(index);
+        m_world->line.journal().clear();
+        row.act(*m_world);
+        const auto done = [&] {
+            return (*row.request == '\0' || m_world->requests().contains(QLatin1String(row.request))) &&
+                   row.effect(*m_world);
+        };
+        QVERIFY2(QTest::qWaitFor(done, MonitorBench::kPatienceMs),
+                 qPrintable(m_world->requests().join(QLatin1Char(' '))));
+    }
+
+    void refused()
+    {
+        QVERIFY(m_world->settled());
+        m_world->click("pbtnGetThreshold");
+        QVERIFY(m_world->settled());
+        const QString kept = m_world->shown(kTable, 1, 1);
+        m_world->sensor->setRefusal(0x50, 5);
+        BoxAnswer boxes;
+        boxes.expect(QStringLiteral("命令错误"), QStringLiteral("设置激励频率:5"));
+        const LogCapture log;
+        m_world->edit(kTable, 1, 1, "30");
+        QVERIFY(QTest::qWaitFor([&] { return boxes.seen() > 0; }, MonitorBench::kPatienceMs));
+        QVERIFY(log.contains(QStringLiteral("设置激励频率:失败5")));
+        m_world->sensor->setRefusal(0x50, 0);
+        // The table is read again, and the cell shows what the sensor has kept.
+        const auto reread = [&] { return m_world->shown(kTable, 1, 1) == kept; };
+        QVERIFY(QTest::qWaitFor(reread, MonitorBench::kPatienceMs));
+        QVERIFY(m_world->settled());
+        QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
+    }
+
+    void spoiled()
+    {
+        auto *release = m_world->of<QSpinBox>("spbPressReleaseThreshold");
+        release->setValue(7);
+        const BoxAnswer boxes;
+        for (const SimFault fault :
+             {SimFault::Silence, SimFault::BadSum, SimFault::WrongEcho, SimFault::WrongLength}) {
+            m_world->sensor->faults().schedule(fault, SimTarget::answersTo(0x44), 3);
+            m_world->line.journal().clear();
+            m_world->panel->getReleaseThreshold();
+            QVERIFY(m_world->settled());
+            QCOMPARE(m_world->requests().count(QStringLiteral("aa5561440000000000a401")), 3);
+            QCOMPARE(release->value(), 7);
+            m_world->sensor->faults().clear();
+        }
+        QCOMPARE(boxes.seen(), 0);
+    }
+
+private:
+    std::unique_ptr<World> m_world;
+};
+
+QTEST_MAIN(TestCommandsOnWire)
+#include "tst_commands_on_wire.moc"

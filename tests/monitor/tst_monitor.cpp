@@ -1,0 +1,200 @@
+// The monitor window over a real serial device: worker, tree and panels together.
+
+#include "tests/monitor/monitor_bench.h"
+
+#include "app/class_settings.h"
+#include "tests/support/box_answer.h"
+#include "tests/support/log_capture.h"
+
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+QLabel *label(const fingerForm *panel, const char *name)
+{
+    return panel->findChild<QLabel *>(QLatin1String(name));
+}
+
+} // namespace
+
+class TestMonitor : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QCoreApplication::setApplicationName(QStringLiteral("tst_monitor"));
+        QStandardPaths::setTestModeEnabled(true);
+    }
+    void init()
+    {
+        class_settings::set(QStringLiteral("language"), QStringLiteral("zh_cn"), QStringLiteral("config"));
+    }
+
+    void livesThroughADay()
+    {
+        MonitorBench bench;
+        bench.plug(2, 0x61);
+        bench.plug(19, 0x62);
+        bench.form.start();
+        QVERIFY(bench.find({QStringLiteral("0/0x61"), QStringLiteral("0/0x62")}));
+        QCOMPARE(bench.panels(), (QStringList{QStringLiteral("0-0x61"), QStringLiteral("0-0x62")}));
+        const fingerForm *panel = bench.panel("0-0x62");
+        QVERIFY(panel->view());
+        const auto identified = [panel] {
+            return label(panel, "lbVersion")->text().count(QLatin1Char('.')) == 2;
+        };
+        QVERIFY(QTest::qWaitFor(identified, MonitorBench::kPatienceMs));
+        const QRegularExpression rates(QStringLiteral("^[1-9]\\d*/[1-9]\\d*$"));
+        for (const char *name : {"0-0x61", "0-0x62"}) {
+            const auto rated = [&] {
+                return rates.match(label(bench.panel(name), "lbHz")->text()).hasMatch();
+            };
+            QVERIFY(QTest::qWaitFor(rated, MonitorBench::kPatienceMs));
+        }
+        QVERIFY(!panel->view()->dataList.isEmpty());
+        auto *tiled = bench.get<QCheckBox>("chkbtnMdiMode");
+        tiled->click();
+        for (const QMdiSubWindow *window : bench.mdi()->subWindowList())
+            QCOMPARE(window->height(), bench.mdi()->height());
+        tiled->click();
+        QCOMPARE(bench.mdi()->viewMode(), QMdiArea::TabbedView);
+
+        bench.button()->click();
+        QVERIFY(bench.waitForSensors({}));
+        QTRY_COMPARE(bench.panels(), QStringList());
+        QTRY_VERIFY(!bench.connected());
+        // Shortly ahead of the sweep, which goes on where it was.
+        bench.plug(31, 0x66);
+        QVERIFY(bench.connectLine());
+        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x66")}));
+
+        bench.form.stop();
+        QVERIFY(!bench.connected());
+        QVERIFY(bench.waitForSensors({}));
+        QVERIFY(bench.find({QStringLiteral("0/0x61"), QStringLiteral("0/0x62"), QStringLiteral("0/0x66")}));
+        bench.line.removePort();
+        QVERIFY(bench.waitForSensors({}));
+        QTRY_COMPARE(bench.panels(), QStringList());
+        bench.button()->click();
+        QVERIFY(QTest::qWaitFor([&bench] { return !bench.connected(); }, MonitorBench::kPatienceMs));
+    }
+
+    void findsALostSensorAgain()
+    {
+        MonitorBench bench;
+        const auto sensor = bench.plug(2, 0x61);
+        QVERIFY(bench.find({QStringLiteral("0/0x61")}));
+        QVERIFY(bench.mdi()->subWindowList().first()->close());
+        QTRY_VERIFY(!bench.panel("0-0x61"));
+        auto *tree = bench.form.findChild<QTreeWidget *>();
+        Q_EMIT tree->itemClicked(tree->topLevelItem(0)->child(0), 0);
+        const auto *panel = bench.panel("0-0x61");
+        QVERIFY(panel);
+        QTRY_VERIFY_WITH_TIMEOUT(!label(panel, "lbHz")->text().isEmpty(), MonitorBench::kPatienceMs);
+
+        QElapsedTimer silence;
+        silence.start();
+        bench.line.unplug(sensor);
+        QVERIFY(bench.waitForSensors({}));
+        QVERIFY2(silence.elapsed() >= 3000, qPrintable(QString::number(silence.elapsed())));
+        QTRY_VERIFY(!bench.panel("0-0x61"));
+        bench.line.plug(sensor);
+        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x61")}));
+        QVERIFY(bench.panel("0-0x61")->view());
+    }
+
+    void removesTheRightPanel()
+    {
+        MonitorBench bench;
+        const auto stranger = bench.plug(112, 0x61);
+        const auto watched = bench.plug(2, 0x62);
+        bench.plug(2, 0x63);
+        QVERIFY(bench.find({QStringLiteral("0/0x61"), QStringLiteral("0/0x62"), QStringLiteral("0/0x63")}));
+        QVERIFY(!bench.panel("0-0x61")->view());
+        const auto *rate = label(bench.panel("0-0x61"), "lbHz");
+        QTRY_VERIFY_WITH_TIMEOUT(!rate->text().isEmpty(), MonitorBench::kPatienceMs);
+        auto *tree = bench.form.findChild<QTreeWidget *>();
+        const LogCapture log;
+        const auto items =
+            tree->findItems(QStringLiteral("0/0x62/"), Qt::MatchStartsWith | Qt::MatchRecursive);
+        QCOMPARE(items.size(), 1);
+        Q_EMIT tree->itemClicked(items.first(), 0);
+        Q_EMIT tree->itemClicked(tree->topLevelItem(0), 0);
+        QVERIFY(log.contains(QStringLiteral("inf:1")));
+        QVERIFY(log.contains(QStringLiteral("addr:98")));
+        bench.line.unplug(stranger);
+        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x62"), QStringLiteral("0/0x63")}));
+        QCOMPARE(bench.mdi()->activeSubWindow()->objectName(), QStringLiteral("0-0x62"));
+        // Nothing is active in a hidden window, so the plotting tool's source stays until its view goes.
+        QTcpServer server;
+        QVERIFY(server.listen(QHostAddress::LocalHost));
+        bench.connectPlotter(server.serverPort());
+        QVERIFY(server.waitForNewConnection(MonitorBench::kPatienceMs));
+        QTcpSocket *plotter = server.nextPendingConnection();
+        QTRY_VERIFY_WITH_TIMEOUT(plotter->bytesAvailable() > 0, MonitorBench::kPatienceMs);
+        bench.form.hide();
+        bench.line.unplug(watched);
+        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x63")}));
+        QCOMPARE(bench.panels(), QStringList{QStringLiteral("0-0x63")});
+        rate = label(bench.panel("0-0x63"), "lbHz");
+        QTRY_VERIFY_WITH_TIMEOUT(!rate->text().isEmpty(), MonitorBench::kPatienceMs);
+    }
+
+    void warnsOfAViewWithoutARow()
+    {
+        MonitorBench bench;
+        const auto sensor = bench.plug(111, 0x61);
+        BoxAnswer boxes;
+        boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
+        // The sensor goes, and its panel with it, while the box stands.
+        boxes.whileOpen = [&] {
+            bench.line.unplug(sensor);
+            bench.waitForSensors({});
+        };
+        bench.form.start();
+        QVERIFY(bench.connectLine());
+        QVERIFY(QTest::qWaitFor([&] { return boxes.seen() == 1; }, MonitorBench::kPatienceMs));
+        QTRY_COMPARE(bench.panels(), QStringList());
+        QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
+    }
+
+    void restartsOnceForTwoChanges()
+    {
+        MonitorBench bench;
+        bench.form.start();
+        const LogCapture log;
+        auto *box = bench.get<QComboBox>("cbbSensorInf");
+        box->setCurrentIndex(2);
+        box->setCurrentIndex(1);
+        QTRY_COMPARE_WITH_TIMEOUT(log.count(QStringLiteral("tactViewForm start")), 1,
+                                  MonitorBench::kPatienceMs);
+        QTRY_COMPARE_WITH_TIMEOUT(log.count(QStringLiteral("ch341 init")), 1, MonitorBench::kPatienceMs);
+    }
+
+    void changesTheLanguageOncePerVisit()
+    {
+        MonitorBench bench;
+        QStringList started;
+        bench.form.setProcessStarter([&started](const QString &program) {
+            started += program;
+            return true;
+        });
+        bench.form.start();
+        bench.form.stop();
+        bench.form.start();
+        auto *box = bench.get<QComboBox>("cbbLanguage");
+        QCOMPARE(box->currentIndex(), 0);
+        box->setCurrentIndex(1);
+        const QString program = QCoreApplication::applicationFilePath();
+        QCOMPARE(started, (QStringList{program, program}));
+        QCOMPARE(class_settings::get(QStringLiteral("language"), {}, QStringLiteral("config")),
+                 QStringLiteral("en"));
+    }
+};
+
+QTEST_MAIN(TestMonitor)
+#include "tst_monitor.moc"

@@ -1,0 +1,200 @@
+// The way to a plotting tool: records byte by byte, peers that refuse, vanish, stall and talk, and a tool in another
+// language that reads both formats while the same samples are recorded.
+
+#include "tests/monitor/monitor_bench.h"
+
+#include "monitor/class_tcp.h"
+#include "monitor/tcp_record.h"
+#include "panel/recording_folder.h"
+#include "tests/support/log_capture.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+constexpr int kRecords = 40;
+
+/// The values of every recorded sample, without time and sequence number, as a plotting tool shows them.
+QStringList recordedValues()
+{
+    QStringList rows;
+    const QDir folder(recordingFolder());
+    for (const QString &name : folder.entryList({QStringLiteral("*.csv")}, QDir::Files, QDir::Name)) {
+        QFile file(folder.filePath(name));
+        file.open(QIODevice::ReadOnly);
+        const QList<QByteArray> lines = file.readAll().split('\n');
+        for (const QByteArray &line : lines.mid(1, lines.size() - 2)) {
+            QStringList values;
+            for (const QByteArray &value : line.split(',').mid(2))
+                values += QString::asprintf("%g", static_cast<double>(value.toFloat()));
+            rows += values.join(QLatin1Char(','));
+        }
+    }
+    return rows;
+}
+
+struct Peer
+{
+    Peer() { server.listen(QHostAddress::LocalHost); }
+    bool connectTo(class_tcp &tcp)
+    {
+        tcp.connectToHost(QStringLiteral("127.0.0.1"), server.serverPort());
+        if (!QTest::qWaitFor([&] { return server.hasPendingConnections(); }))
+            return false;
+        socket = server.nextPendingConnection();
+        return true;
+    }
+    QTcpServer server;
+    QTcpSocket *socket = nullptr;
+};
+
+} // namespace
+
+class TestPlotting : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void init()
+    {
+        QVERIFY(QDir(recordingFolder()).removeRecursively());
+        recordingFolder();
+    }
+
+    void comparesWithTheRecording_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<int>("prg");
+        QTest::newRow("text, no status") << "FireWater" << 2;
+        QTest::newRow("floats, status") << "JustFloat" << 31;
+    }
+    void comparesWithTheRecording()
+    {
+        if (QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty())
+            QSKIP("needs python3 as the other end of the connection");
+        QFETCH(QString, format);
+        QFETCH(int, prg);
+        MonitorBench bench;
+        const auto sensor = bench.plug(static_cast<uint8_t>(prg), 0x61);
+        sensor->setMotion([](double seconds, const finger_info_ts &, SimValues &values) {
+            values.channels.at(0) = static_cast<uint32_t>(seconds * 1000);
+        });
+        QVERIFY(bench.find({QStringLiteral("0/0x61")}));
+
+        QProcess peer;
+        peer.start(QStringLiteral("python3"), {QStringLiteral(PLOT_PEER), format, QString::number(kRecords)});
+        QVERIFY(peer.waitForReadyRead(MonitorBench::kPatienceMs));
+        bench.get<QComboBox>("cbbTcpDataFormat")->setCurrentText(format);
+        // Every record of the plotting tool belongs to a sample after this one.
+        bench.panel("0-0x61")->findChild<QCheckBox *>(QStringLiteral("chkbtnSave"))->setChecked(true);
+        bench.connectPlotter(peer.readLine().trimmed().toInt());
+        QCOMPARE(bench.get<QPushButton>("pbtnServiceConnect")->text(), QStringLiteral("断开"));
+        QVERIFY(QTest::qWaitFor([&peer] { return peer.state() == QProcess::NotRunning; },
+                                MonitorBench::kPatienceMs));
+        bench.form.stop();
+
+        const QByteArray complaint = peer.readAllStandardError();
+        QVERIFY2(peer.exitCode() == 0, complaint.constData());
+        const QStringList plotted =
+            QString::fromLatin1(peer.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        QCOMPARE(plotted.size(), kRecords);
+        const QStringList recorded = recordedValues();
+        const int first = recorded.indexOf(plotted.first());
+        QVERIFY2(first >= 0, qPrintable(plotted.first()));
+        QCOMPARE(recorded.mid(first, kRecords), plotted);
+    }
+
+    void composes()
+    {
+        class_finger decoder(0xFF, nullptr);
+        decoder.rawList = {QStringLiteral("101"), QStringLiteral("0"), QStringLiteral("-3")};
+        decoder.yddsList = {{QStringLiteral("1.25"), QStringLiteral("0.50"), QStringLiteral("90")}};
+        decoder.sProxList = {QStringLiteral("120")};
+        decoder.mProxList = {QStringLiteral("16777217")};
+        decoder.statusList = {QStringLiteral("3")};
+        QCOMPARE(tcpRecord(TcpFormat::FireWater, decoder),
+                 QByteArray("101,0,-3,1.25,0.50,90,120,16777217,3\r\n"));
+        const QByteArray floats = "0000ca4200000000000040c00000a03f0000003f0000b4420000f0420000804b";
+        QCOMPARE(tcpRecord(TcpFormat::JustFloat, decoder).toHex(), floats + "000040400000807f");
+        QCOMPARE(tcpRecord(static_cast<TcpFormat>(-1), decoder), QByteArray());
+        decoder.rawList = {QStringLiteral("x")};
+        QCOMPARE(tcpRecord(TcpFormat::JustFloat, decoder).left(4), QByteArray(4, '\0'));
+    }
+
+    void deliversAndHears()
+    {
+        class_tcp tcp;
+        Peer peer;
+        const LogCapture log;
+        QSignalSpy received(&tcp, &class_tcp::si_receive);
+        QVERIFY(peer.connectTo(tcp));
+        QVERIFY(tcp.isConnected());
+        tcp.send("one\r\n");
+        tcp.send("two\r\n");
+        QTRY_COMPARE(peer.socket->bytesAvailable(), 10);
+        QCOMPARE(peer.socket->readAll(), QByteArray("one\r\ntwo\r\n"));
+        peer.socket->write(QByteArray(100000, '\xFF'));
+        QTRY_VERIFY(!received.isEmpty());
+        QSignalSpy gone(&tcp, &class_tcp::si_disconnected);
+        peer.socket->abort();
+        QTRY_COMPARE(gone.size(), 1);
+        QVERIFY(!tcp.isConnected());
+        QVERIFY(peer.connectTo(tcp));
+        tcp.disconnectFromHost();
+        QVERIFY(!tcp.isConnected());
+        QCOMPARE(log.count(QStringLiteral("tcp connected")), 2);
+        QCOMPARE(log.count(QStringLiteral("tcp disconnected")), 2);
+    }
+
+    void staysQuietWhenRefused()
+    {
+        class_tcp tcp;
+        QSignalSpy changed(&tcp, &class_tcp::si_connected);
+        quint16 port = 0;
+        {
+            Peer peer;
+            port = peer.server.serverPort();
+        }
+        tcp.connectToHost(QStringLiteral("127.0.0.1"), port);
+        tcp.connectToHost(QString(), 0);
+        QVERIFY(!tcp.isConnected());
+        QVERIFY(changed.isEmpty());
+        Peer peer;
+        QVERIFY(peer.connectTo(tcp));
+    }
+
+    void leavesOutWhatNobodyReads()
+    {
+        class_tcp tcp;
+        Peer peer;
+        QVERIFY(peer.connectTo(tcp));
+        peer.socket->setReadBufferSize(1);
+        const LogCapture log;
+        const QByteArray record = QByteArray(9998, 'r') + "\r\n";
+        constexpr int records = 3000;
+        for (int i = 0; i < records; ++i)
+            tcp.send(record);
+        QCOMPARE(log.count(QStringLiteral("tcp peer does not read, records are left out")), 1);
+        peer.socket->setReadBufferSize(0);
+        QByteArray arrived;
+        const auto drained = [&] {
+            arrived += peer.socket->readAll();
+            tcp.send("last");
+            return arrived.endsWith("last");
+        };
+        QVERIFY(QTest::qWaitFor(drained, 30000));
+        const QByteArray body = arrived.left(arrived.indexOf("last"));
+        QVERIFY2(body.size() >= 4 * 1024 * 1024 - record.size(), qPrintable(QString::number(body.size())));
+        QVERIFY(body.size() < records * record.size());
+        QCOMPARE(body.size() % record.size(), 0);
+        QCOMPARE(body, record.repeated(body.size() / record.size()));
+    }
+};
+
+QTEST_MAIN(TestPlotting)
+#include "tst_plotting.moc"
