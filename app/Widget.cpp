@@ -1,0 +1,47 @@
+#include "app/Widget.h"
+
+#include "ui_Widget.h"
+
+namespace {
+
+template<typename Form>
+void startOrStop(Form *form, bool start)
+{
+    if (start)
+        form->start();
+    else
+        form->stop();
+}
+
+} // namespace
+
+Widget::Widget(QWidget *parent)
+    : QWidget(parent)
+    , ui(new Ui::Widget)
+{
+    ui->setupUi(this);
+    setWindowTitle(QObject::tr("触觉传感器上位机"));
+    ui->tabWidget->setCurrentIndex(0);
+    objInit();
+    // Starts the first tab; the change of index above came before anybody listened.
+    Q_EMIT ui->tabWidget->currentChanged(0);
+}
+
+Widget::~Widget()
+{
+    delete ui;
+}
+
+void Widget::objInit()
+{
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, &Widget::startOnly);
+}
+
+// Always in tab order, so a form may start before a later one has stopped.
+void Widget::startOnly(int index)
+{
+    startOrStop(ui->wgTactView, index == 0);
+    startOrStop(ui->wgUpdate, index == 1);
+    startOrStop(ui->wgSetAddr, index == 2);
+    startOrStop(ui->wgDebug, index == 3);
+}

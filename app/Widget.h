@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QWidget>
+
+namespace Ui {
+class Widget;
+}
+
+/// The main window: four tabs, of which only the current one may use the hardware.
+class Widget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit Widget(QWidget *parent = nullptr);
+    ~Widget() override;
+
+private:
+    void objInit();
+    void startOnly(int index);
+
+    Ui::Widget *ui;
+};

@@ -1,0 +1,169 @@
+#include "app/class_settings.h"
+#include "app/qmain.h"
+#include "tests/support/log_capture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QStandardPaths>
+#include <QtTest>
+#include <QtWidgets>
+
+#include <functional>
+
+// The process is run as the platform runs it, by qMain; what is to be looked at while it lives is hung on the application
+// object that qMain makes.
+
+namespace {
+
+std::function<void(QWidget *)> look;
+
+void lookOnceRunning()
+{
+    QTimer::singleShot(0, qApp, [] {
+        for (QWidget *widget : QApplication::topLevelWidgets()) {
+            if (widget->inherits("Widget"))
+                look(widget);
+        }
+        QCoreApplication::exit(42);
+    });
+}
+
+int runTool(const std::function<void(QWidget *)> &whileRunning)
+{
+    look = whileRunning;
+    char name[] = "tst_shell";
+    char *arguments[] = {name, nullptr};
+    return qMain(1, arguments);
+}
+
+QTabWidget *tabs(QWidget *window)
+{
+    return window->findChild<QTabWidget *>(QStringLiteral("tabWidget"), Qt::FindDirectChildrenOnly);
+}
+
+} // namespace
+
+Q_COREAPP_STARTUP_FUNCTION(lookOnceRunning)
+
+class tst_shell : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        QCoreApplication::setApplicationName(QStringLiteral("tst_shell"));
+    }
+
+    void init()
+    {
+        QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively();
+    }
+
+    void speaksTheLanguageOfTheSettings_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<bool>("english");
+        QTest::newRow("first start") << QString() << false;
+        QTest::newRow("English") << QStringLiteral("en") << true;
+        QTest::newRow("unknown") << QStringLiteral("EN") << false;
+    }
+
+    void speaksTheLanguageOfTheSettings()
+    {
+        QFETCH(QString, language);
+        QFETCH(bool, english);
+        if (!language.isEmpty())
+            class_settings::set(QStringLiteral("language"), language, QStringLiteral("config"));
+
+        const LogCapture log;
+        QStringList texts;
+        int languageIndex = -1;
+        const int status = runTool([&](QWidget *window) {
+            texts << window->windowTitle();
+            for (int i = 0; i < tabs(window)->count(); ++i)
+                texts << tabs(window)->tabText(i);
+            languageIndex = window->findChild<QComboBox *>(QStringLiteral("cbbLanguage"))->currentIndex();
+        });
+
+        QCOMPARE(status, 42);
+        QCOMPARE(texts.join(QLatin1Char(' ')),
+                 english ? QStringLiteral("Sensor Sensor Update Address Debug")
+                         : QStringLiteral("触觉传感器上位机 显示 固件更新 地址设置 调试"));
+        QCOMPARE(languageIndex, english ? 1 : 0);
+        QCOMPARE(log.count(QStringLiteral("load trans success")), english ? 1 : 0);
+        QVERIFY(!log.contains(QStringLiteral("load trans err")));
+        QCOMPARE(class_settings::get(QStringLiteral("language"), QString(), QStringLiteral("config")),
+                 language.isEmpty() ? QStringLiteral("zh_cn") : language);
+    }
+
+    void settingsSurvive()
+    {
+        QCOMPARE(class_settings::get(QStringLiteral("TCP/IP")), QString());
+        QFile stored(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) +
+                     QStringLiteral("/setting.ini"));
+        QVERIFY(stored.open(QIODevice::ReadOnly));
+        QVERIFY(stored.readAll().contains("[TCP]\nIP="));
+        for (const char *text : {"C:\\固件\\a, b=c.hex", "/home/x y/图;像.bin", "", "\"quoted\""}) {
+            const QString value = QString::fromUtf8(text);
+            class_settings::set(QStringLiteral("UPDATE/FILE_PATH"), value);
+            QCOMPARE(class_settings::get(QStringLiteral("UPDATE/FILE_PATH"), QStringLiteral("other")), value);
+        }
+    }
+
+    void settingsThatCannotBeUsedGiveTheDefault()
+    {
+        const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        QVERIFY(QDir().mkpath(folder));
+        QFile rubbish(folder + QStringLiteral("/config.ini"));
+        QVERIFY(rubbish.open(QIODevice::WriteOnly));
+        for (int i = 0; i < 4096; ++i)
+            rubbish.putChar(static_cast<char>((i * 37 + 11) & 0xFF));
+        rubbish.close();
+        QCOMPARE(class_settings::get(QStringLiteral("language"), QStringLiteral("zh_cn"),
+                                     QStringLiteral("config")),
+                 QStringLiteral("zh_cn"));
+
+        // A file where the folder should be: nothing can be written, whoever runs the test.
+        QVERIFY(QDir(folder).removeRecursively());
+        QFile blocker(folder);
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        class_settings::set(QStringLiteral("TCP/PORT"), QStringLiteral("1347"));
+        QCOMPARE(class_settings::get(QStringLiteral("TCP/PORT"), QStringLiteral("0")), QStringLiteral("0"));
+        QVERIFY(blocker.remove());
+    }
+
+    void onlyTheCurrentTabRuns()
+    {
+        const QStringList stopped{QStringLiteral("tactViewForm stop"), QStringLiteral("fwUpdateForm stop"),
+                                  QStringLiteral("setSensorAddrForm stop"),
+                                  QStringLiteral("sensorDebugForm stop")};
+        const QRegularExpression startOrStop(QStringLiteral("Form (start|stop)$"));
+        LogCapture log;
+        runTool([&](QWidget *window) {
+            for (const int tab : {0, 2, 3, 1, 0}) {
+                if (tab != tabs(window)->currentIndex())
+                    log.clear();
+                tabs(window)->setCurrentIndex(tab);
+                QStringList lines = stopped;
+                lines[tab].replace(QStringLiteral("stop"), QStringLiteral("start"));
+                QCOMPARE(log.lines().filter(startOrStop), lines);
+            }
+        });
+    }
+
+    void theEnglishTableIsAllThatIsEmbedded()
+    {
+        // What QtGui and QtWidgets embed themselves stands in the same root.
+        Q_INIT_RESOURCE(translations);
+        QStringList ours = QDir(QStringLiteral(":/")).entryList();
+        for (const char *entry : {"qgradient", "qpdf", "qt-project.org"})
+            ours.removeAll(QLatin1String(entry));
+        QCOMPARE(ours, QStringList{QStringLiteral("en.qm")});
+    }
+};
+
+QTEST_APPLESS_MAIN(tst_shell)
+#include "tst_shell.moc"
