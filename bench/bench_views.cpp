@@ -1,5 +1,5 @@
-// What a sample costs on the busiest views, painting included, against plain painting of as many antialiased discs with
-// an outline, arrows and numbers in the same run; what it costs a view that nobody sees; and how long views take to build.
+// What a sample costs on the busiest views, painting included, against plain painting of as many antialiased discs,
+// arrows and numbers in the same run; what it costs a view that nobody sees; and how long views take to build.
 
 #include "protocol/frames.h"
 #include "views/class_finger.h"
@@ -25,6 +25,7 @@ namespace {
 constexpr QSize kViewSize(540, 300);
 constexpr int kRounds = 40;
 constexpr int kSamplesARound = 40;
+constexpr int kFrames = 20;
 constexpr double kHighestRatio = 1.5;
 
 /// Draws discs and arrows where a view has its gauges, and nothing else.
@@ -63,7 +64,7 @@ private:
         const QPoint centre = mark.place.center();
         const int radius = std::min(mark.place.width(), mark.place.height()) / 2 - 2;
         const QColor colour = turn % 2 == 0 ? QColor(255, 105, 97) : QColor(220, 20, 60);
-        painter.setPen(QPen(colour, 0));
+        painter.setPen(Qt::NoPen);
         painter.setBrush(colour);
         painter.drawEllipse(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius);
         if (!mark.number.isEmpty()) {
@@ -80,7 +81,7 @@ private:
     }
 };
 
-/// A sample frame of a model in which every value differs between even and odd turns.
+/// A sample frame of a model in which every value differs from turn to turn.
 QByteArray sampleFrame(const finger_info_ts &info, int turn)
 {
     QByteArray frame = QByteArray::fromHex("55aa00850000");
@@ -89,16 +90,16 @@ QByteArray sampleFrame(const finger_info_ts &info, int turn)
         for (int i = 0; i < bytes; ++i)
             frame.append(static_cast<char>((value >> (8 * i)) & 0xFFU));
     };
-    const unsigned flip = turn % 2 == 0 ? 0 : 1;
+    const auto step = static_cast<unsigned>(turn);
     for (unsigned i = 0; i < info.chNum; ++i)
-        append((i * 137 + flip * 911) % 2900 + 100, info.chBytes);
+        append((i * 137 + step * 911) % 2900 + 100, info.chBytes);
     for (unsigned i = 0; i < info.yddsNum; ++i) {
-        append(300 + (i + flip) % 5 * 380, 2); // crosses a colour step from turn to turn
-        append(500 + flip * 400 + i, 2);
-        append((i * 40 + flip * 90) % 360, 2);
+        append(300 + (i + step) % 5 * 380, 2); // crosses a colour step from turn to turn
+        append(500 + step % 3 * 400 + i, 2);
+        append((i * 40 + step * 90) % 360, 2);
     }
     for (int i = 0; i < info.sProxNum + info.mProxNum; ++i)
-        append(120000 + flip * 90000, 3);
+        append(120000 + step % 2 * 90000, 3);
     if (info.hasStatus != 0)
         append(0, 1);
     append(0, 2);
@@ -112,10 +113,10 @@ class Subject
 public:
     Subject(int number, int page)
         : m_finger(makeView(static_cast<uint8_t>(number), nullptr))
-        , m_even(sampleFrame(*m_finger->info, 0))
-        , m_odd(sampleFrame(*m_finger->info, 1))
         , m_widget(m_finger->widget)
     {
+        for (int turn = 0; turn < kFrames; ++turn)
+            m_frames.append(sampleFrame(*m_finger->info, turn));
         m_widget->resize(kViewSize);
         if (auto *pages = m_widget->findChild<QTabWidget *>(); pages != nullptr)
             pages->setCurrentIndex(page);
@@ -126,10 +127,11 @@ public:
 
     void sample(int turn) const
     {
-        m_finger->parseData(turn % 2 == 0 ? m_even : m_odd);
+        m_finger->parseData(m_frames.at(turn % kFrames));
         // A palm has more discs than channels; the rest is pressed by hand, so that every disc changes.
         for (int i = m_finger->info->forceChNum; i < m_discs; ++i)
-            m_finger->setPress(static_cast<unsigned char>(i), turn % 2 == 0 ? 1.0F : 4.0F, 6.25F);
+            m_finger->setPress(static_cast<unsigned char>(i),
+                               static_cast<float>((turn * 7 + i) % kFrames) * 0.3F, 6.25F);
     }
 
     QVector<PlainPicture::Mark> marks()
@@ -153,8 +155,7 @@ public:
 
 private:
     class_finger *m_finger;
-    QByteArray m_even;
-    QByteArray m_odd;
+    QVector<QByteArray> m_frames;
     std::unique_ptr<QWidget> m_widget;
     int m_discs = 0;
 };

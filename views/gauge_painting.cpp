@@ -1,14 +1,19 @@
 #include "views/gauge_painting.h"
 
+#include <QCache>
+#include <QImage>
 #include <QPainter>
 #include <QtMath>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace {
 
 constexpr int kSmallestRadius = 2;
+constexpr int kLargestSmallRadius = 64;
+constexpr int kKeptDiscBytes = 8 * 1024 * 1024;
 
 /// A length that never falls below a fifth, so that an arrow that is shown can be seen.
 int scaledLength(int length, float scale)
@@ -23,11 +28,45 @@ QPoint truncated(double x, double y)
 
 /// A disc with an outline of its own colour, one pixel wide: the same as a disc of half a pixel more, which is painted
 /// in half the time.
-void drawDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour)
+void drawPlainDisc(QPainter &painter, QPointF centre, int radius, const QColor &colour)
 {
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
-    painter.drawEllipse(QPointF(centre), radius + 0.5, radius + 0.5);
+    painter.drawEllipse(centre, radius + 0.5, radius + 0.5);
+}
+
+QImage makeDisc(int radius, const QColor &colour, double pixelRatio)
+{
+    const int side = static_cast<int>(std::ceil((2 * radius + 2) * pixelRatio));
+    QImage disc(side, side, QImage::Format_ARGB32_Premultiplied);
+    disc.setDevicePixelRatio(pixelRatio);
+    disc.fill(Qt::transparent);
+    QPainter painter(&disc);
+    painter.setRenderHint(QPainter::Antialiasing);
+    drawPlainDisc(painter, QPointF(radius + 1, radius + 1), radius, colour);
+    return disc;
+}
+
+/// Small discs come in few sizes and colours and change with every sample, so each is kept once it is drawn.
+QImage smallDisc(int radius, const QColor &colour, double pixelRatio)
+{
+    static QCache<quint64, QImage> kept(kKeptDiscBytes);
+    const quint64 key =
+        quint64(colour.rgba()) | quint64(radius) << 32U | quint64(qRound(pixelRatio * 64)) << 48U;
+    if (const QImage *found = kept.object(key); found != nullptr)
+        return *found;
+    QImage disc = makeDisc(radius, colour, pixelRatio);
+    kept.insert(key, new QImage(disc), static_cast<int>(disc.sizeInBytes()));
+    return disc;
+}
+
+void drawDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour)
+{
+    if (radius > kLargestSmallRadius)
+        drawPlainDisc(painter, centre, radius, colour);
+    else
+        painter.drawImage(centre - QPoint(radius + 1, radius + 1),
+                          smallDisc(radius, colour, painter.deviceTransform().m11()));
 }
 
 QLine barb(QPoint tip, int degrees, int length)

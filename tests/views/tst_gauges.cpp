@@ -12,14 +12,17 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <cmath>
+
 namespace {
 
 const QColor kDisc(220, 20, 60);
 
-/// The gauge on a white ground.
-QImage drawn(ydds &gauge)
+/// The gauge on a white ground, on a screen with so many pixels to a unit.
+QImage drawn(ydds &gauge, int pixelRatio = 1)
 {
-    QImage image(gauge.size(), QImage::Format_RGB32);
+    QImage image(gauge.size() * pixelRatio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(pixelRatio);
     image.fill(Qt::white);
     gauge.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
     return image;
@@ -33,6 +36,20 @@ QImage drawnArrow(int direction, float scale)
     gauge.direction = static_cast<uint16_t>(direction);
     gauge.arrowScale = scale;
     return drawn(gauge);
+}
+
+/// Every pixel that lies wholly within the circle has the disc's colour, every one wholly outside is white.
+void verifyDisc(const QImage &image, QPoint centre, double radius)
+{
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const double distance = std::hypot(x + 0.5 - centre.x(), y + 0.5 - centre.y());
+            if (distance < radius - 1)
+                QCOMPARE(image.pixelColor(x, y), kDisc);
+            else if (distance > radius + 1)
+                QCOMPARE(image.pixelColor(x, y), QColor(Qt::white));
+        }
+    }
 }
 
 bool isInk(const QColor &colour)
@@ -55,15 +72,23 @@ private Q_SLOTS:
 
 void TestGauges::discFillsItsCircle()
 {
-    ydds gauge;
-    gauge.resize(200, 120); // half of 60, arrow width 3, radius 57 about (100, 60)
-    QCOMPARE(drawn(gauge).pixelColor(100, 60), QColor(Qt::white));
-    gauge.discBrush.setColor(kDisc);
-    const QImage image = drawn(gauge);
-    for (const QPoint &inside : {QPoint(45, 60), QPoint(155, 60), QPoint(100, 5), QPoint(61, 21)})
-        QCOMPARE(image.pixelColor(inside), kDisc);
-    for (const QPoint &outside : {QPoint(41, 60), QPoint(159, 60), QPoint(100, 1), QPoint(58, 18)})
-        QCOMPARE(image.pixelColor(outside), QColor(Qt::white));
+    struct Case
+    {
+        QSize size;
+        int radius;
+    };
+    // Half of 60 leaves an arrow width of 3, half of 150 one of 7; a gauge too small for a disc has one of 2 all the same.
+    for (const Case &each : {Case{{200, 120}, 57}, Case{{400, 300}, 143}, Case{{9, 40}, 2}}) {
+        ydds gauge;
+        gauge.resize(each.size);
+        for (const int pixelRatio : {1, 2}) {
+            gauge.discBrush.setColor(Qt::white);
+            const QPoint centre = QPoint(each.size.width() / 2, each.size.height() / 2) * pixelRatio;
+            QCOMPARE(drawn(gauge, pixelRatio).pixelColor(centre), QColor(Qt::white));
+            gauge.discBrush.setColor(kDisc);
+            verifyDisc(drawn(gauge, pixelRatio), centre, (each.radius + 0.5) * pixelRatio);
+        }
+    }
 }
 
 void TestGauges::arrowPoints()
