@@ -87,6 +87,7 @@ private Q_SLOTS:
     void bearsFailuresUntilItIsStopped_data() { addKinds(); }
     void bearsFailuresUntilItIsStopped();
     void losesAPulledBridge();
+    void serialWorkerIgnoresTheTurns();
 };
 
 void tst_worker_bridges::selectsBusesInTurn()
@@ -229,6 +230,19 @@ void tst_worker_bridges::losesAPulledBridge()
         rig.usb.plug(rig.bridge);
     }
     QCOMPARE(rig.harness.log.count(QStringLiteral("ch341 disconnect")), 3);
+}
+
+void tst_worker_bridges::serialWorkerIgnoresTheTurns()
+{
+    {
+        // Stopped like this, it leaves the turn anywhere among the entries.
+        Rig rig(fingerThread::kCh341);
+        QVERIFY(rig.connect());
+        QTRY_VERIFY(rig.written(0x70).size() > 20);
+    }
+    SerialRig serial;
+    serial.plug(0x1F, 0x61);
+    QVERIFY(serial.connectAndFind(QStringLiteral("found 0/0x61")));
 }
 
 QTEST_GUILESS_MAIN(tst_worker_bridges)

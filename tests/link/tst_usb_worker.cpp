@@ -71,7 +71,6 @@ void tst_usb_worker::ch341()
     FakeUsbDevice deviceAgain(m_bus, "1-1", 14, chip);
     device.plug();
     WorkerHarness worker(kCh341);
-    worker.start();
     QVERIFY(worker.connectTo(QStringLiteral("1001")));
     waitForSamples(worker);
 
@@ -98,7 +97,6 @@ void tst_usb_worker::ch347()
     FakeUsbDevice device(m_bus, "1-3", 13, chip);
     device.plug();
     WorkerHarness worker(kCh347);
-    worker.start();
     QVERIFY(worker.connectTo(QStringLiteral("1003")));
     waitForSamples(worker);
     worker.stop();

@@ -13,6 +13,7 @@
 #include <QTranslator>
 #include <QtTest>
 
+#include <array>
 #include <csignal>
 #include <sys/resource.h>
 
@@ -58,6 +59,22 @@ QList<QByteArray> lines(const QString &path)
 QByteArray afterTime(const QByteArray &line)
 {
     return line.mid(line.indexOf(',') + 1);
+}
+
+/// A header and so many samples, whose counters begin at 0.
+void verifyRun(const QList<QByteArray> &written, int samples)
+{
+    QCOMPARE(written.size(), samples + 1);
+    QCOMPARE(written.first(), kChineseHeader);
+    for (int i = 0; i < samples; ++i)
+        QCOMPARE(afterTime(written.at(i + 1)), QByteArray::number(i % 256) + ',' + kValues);
+}
+
+/// Runs of one sensor are told apart by their millisecond.
+void waitForNextMillisecond()
+{
+    const qint64 begin = QDateTime::currentMSecsSinceEpoch();
+    QVERIFY(QTest::qWaitFor([begin] { return QDateTime::currentMSecsSinceEpoch() > begin; }));
 }
 
 /// While it lives no file of this process grows beyond so many bytes, as on a full disk.
@@ -139,8 +156,7 @@ private Q_SLOTS:
         PanelBench bench;
         bench.attach(2);
         const auto sampleAfter = [&bench](Qt::CheckState state) {
-            // Runs are told apart by their millisecond.
-            QTest::qWait(2);
+            waitForNextMillisecond();
             bench.get<QCheckBox>("chkbtnSave")->setCheckState(state);
             bench.sample(PanelBench::fingerFrame(1, kChannels));
             return recordings(recordingFolder()).size();
@@ -151,6 +167,26 @@ private Q_SLOTS:
         QCOMPARE(sampleAfter(Qt::Checked), 2);
         bench.attach(2);
         QCOMPARE(sampleAfter(Qt::Checked), 3);
+    }
+
+    void losesNoSampleOfSeveralPanels()
+    {
+        constexpr int kSamples = 1500;
+        std::array<PanelBench, 4> benches;
+        for (PanelBench &bench : benches) {
+            bench.attach(2);
+            bench.get<QCheckBox>("chkbtnSave")->click();
+            waitForNextMillisecond();
+            bench.sample(PanelBench::fingerFrame(0, kChannels));
+        }
+        for (int i = 1; i < kSamples; ++i) {
+            for (PanelBench &bench : benches)
+                bench.sample(PanelBench::fingerFrame(static_cast<uint8_t>(i), kChannels));
+        }
+        const QStringList files = recordings(recordingFolder());
+        QCOMPARE(files.size(), 4);
+        for (const QString &file : files)
+            verifyRun(lines(file), kSamples);
     }
 
     void headsTheStatusWithItsValue()
@@ -229,9 +265,7 @@ private Q_SLOTS:
         writer.kill();
         QVERIFY(writer.waitForFinished());
         const QList<QByteArray> written = lines(recordings(folder.path()).value(0));
-        QCOMPARE(written.first(), kChineseHeader);
-        for (int i = 1; i < written.size(); ++i)
-            QCOMPARE(afterTime(written.at(i)), QByteArray::number((i - 1) % 256) + ',' + kValues);
+        verifyRun(written, written.size() - 1);
     }
 };
 
