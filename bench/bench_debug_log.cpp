@@ -1,6 +1,7 @@
 // Cost of one more entry in the log of the debug tab, painting included, when the log is short and when it is long.
 // Target: the ten-thousandth entry costs no more than twice the hundredth.
 
+#include "bench/offscreen.h"
 #include "tools/debug_entry.h"
 #include "tools/sensorDebugForm.h"
 
@@ -51,7 +52,7 @@ double costBehind(sensorDebugForm &form, int entries)
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    drawOffscreenByDefault();
     const QApplication application(argc, argv);
     sensorDebugForm form;
     form.resize(800, 600);

@@ -1,6 +1,7 @@
 // Cost of a sample in the panel against bare setText on as many labels, and of a recorded row against opening, appending
 // to and closing a file, each in one run.
 
+#include "bench/offscreen.h"
 #include "panel/SampleRecorder.h"
 #include "panel/fingerForm.h"
 #include "views/class_finger.h"
@@ -131,8 +132,7 @@ void benchRecording()
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    drawOffscreenByDefault();
     QApplication application(argc, argv);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     benchPanel(0, "sample, page with the view");

@@ -1,6 +1,7 @@
 // How long an update of 64 KiB takes against the waits that its rules prescribe: a poll or a pause of 10 ms around every
 // frame, and the time of the bits on the bus or the line. What the machine oversleeps on the simulated bus is told apart.
 
+#include "bench/offscreen.h"
 #include "sim/SimCh341.h"
 #include "sim/SimCh347.h"
 #include "sim/SimSerialBus.h"
@@ -161,6 +162,7 @@ void measureSerial(Tab &tab, int row, int baud)
 
 int main(int argc, char *argv[])
 {
+    drawOffscreenByDefault();
     QStandardPaths::setTestModeEnabled(true);
     const QApplication application(argc, argv);
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});

@@ -1,6 +1,7 @@
 // What a sample costs on the busiest views, painting included, against plain painting of as many antialiased discs,
 // arrows and numbers in the same run; what it costs a view that nobody sees; and how long views take to build.
 
+#include "bench/offscreen.h"
 #include "protocol/frames.h"
 #include "views/class_finger.h"
 #include "views/class_ydds.h"
@@ -240,8 +241,7 @@ void buildTimes()
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    drawOffscreenByDefault();
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
     const QApplication app(argc, argv);
     bool within = compare(45, 0, false);

@@ -4,6 +4,7 @@
 //
 // It is how a person looks over a change to the family.
 
+#include "bench/offscreen.h"
 #include "tests/support/box_answer.h"
 #include "views/class_finger.h"
 #include "views/models/view_factory.h"
@@ -204,8 +205,7 @@ QPalette darkPalette()
 
 int main(int argc, char *argv[])
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    drawOffscreenByDefault();
     QApplication app(argc, argv);
     Q_INIT_RESOURCE(translations);
     const QStringList arguments = QApplication::arguments();
