@@ -3,7 +3,6 @@
 #include "engine/sensor_ts.h"
 
 #include <QList>
-#include <QPointer>
 #include <QThread>
 #include <QTimer>
 #include <QVector>
@@ -72,7 +71,6 @@ private:
     void changeLanguage(int index);
     void connectOrDisconnect();
     void changeInterface();
-    void openRecordings();
     void setMultiWindow(bool multiWindow);
     void tileToFullHeight();
 
@@ -100,7 +98,7 @@ private:
     QTreeWidget *tree = nullptr;
     QMdiArea *mdi = nullptr;
     QTimer m_restart; ///< start after a change of interface
-    /// Counts the workers. A queued signal of one that is gone may still arrive, and a new worker may have its address.
+    /// Counts starts and stops. A queued signal of a worker that is gone may still arrive, and a new worker may have its address.
     unsigned int m_run = 0;
     ProcessStarter m_startProcess;
 };

@@ -9,6 +9,7 @@
 
 #include <QMdiArea>
 #include <QMdiSubWindow>
+#include <QPointer>
 #include <QTreeWidget>
 
 #include <algorithm>
@@ -52,7 +53,9 @@ void tactViewForm::addTreeItem(const sensor_ts &sensor)
     if (!bus)
         return;
     bus->addChild(new QTreeWidgetItem({treeText(sensor)}));
-    bus->setExpanded(true);
+    // Later ones leave a bus that the user has closed as it is.
+    if (bus->childCount() == 1)
+        bus->setExpanded(true);
     qDebug("col num:%d", tree->columnCount());
     tree->resizeColumnToContents(0);
 }
@@ -131,9 +134,12 @@ void tactViewForm::showSensorOf(QTreeWidgetItem *item)
         return;
     }
     qDebug("show:%d", mdi->subWindowList().indexOf(window));
+    // The attach may bring up a box, and the sensor may go, its window with it, while that is open.
+    const QPointer<QMdiSubWindow> shown(window);
     if (window->isHidden())
         refillSubWindow(window, infIdx, addr);
-    mdi->setActiveSubWindow(window);
+    if (shown)
+        mdi->setActiveSubWindow(shown);
 }
 
 // A user can close a panel by the keyboard; its sub-window stays, empty and hidden.

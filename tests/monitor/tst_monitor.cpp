@@ -148,17 +148,41 @@ private Q_SLOTS:
     {
         MonitorBench bench;
         const auto sensor = bench.plug(111, 0x61);
+        bench.plug(2, 0x62);
         BoxAnswer boxes;
-        boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
+        const auto expectBox = [&boxes] {
+            boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
+        };
         // The sensor goes, and its panel with it, while the box stands.
         boxes.whileOpen = [&] {
+            const QPointer<fingerForm> panel(bench.panel("0-0x61"));
             bench.line.unplug(sensor);
-            bench.waitForSensors({});
+            QVERIFY(QTest::qWaitFor([&panel] { return panel.isNull(); }, MonitorBench::kPatienceMs));
         };
+        expectBox();
         bench.form.start();
         QVERIFY(bench.connectLine());
         QVERIFY(QTest::qWaitFor([&] { return boxes.seen() == 1; }, MonitorBench::kPatienceMs));
-        QTRY_COMPARE(bench.panels(), QStringList());
+        QTRY_COMPARE(bench.panels(), QStringList{QStringLiteral("0-0x62")});
+
+        // The same when its panel is opened again.
+        const auto whileOpen = std::exchange(boxes.whileOpen, nullptr);
+        expectBox();
+        bench.form.stop();
+        bench.line.plug(sensor);
+        bench.form.start(); // begins a sweep afresh
+        QVERIFY(bench.connectLine());
+        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x61"), QStringLiteral("0/0x62")}));
+        QTRY_VERIFY(boxes.satisfied());
+        QVERIFY(bench.panel("0-0x61")->parentWidget()->close());
+        QTRY_VERIFY(!bench.panel("0-0x61"));
+        boxes.whileOpen = whileOpen;
+        expectBox();
+        auto *tree = bench.form.findChild<QTreeWidget *>();
+        const auto items =
+            tree->findItems(QStringLiteral("0/0x61/"), Qt::MatchStartsWith | Qt::MatchRecursive);
+        Q_EMIT tree->itemClicked(items.value(0), 0);
+        QTRY_COMPARE(bench.panels(), QStringList{QStringLiteral("0-0x62")});
         QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
     }
 
