@@ -292,6 +292,8 @@ void setSensorAddrForm::infClose()
     ui->lbFingerState->setText(QObject::tr("接口未打开"));
     ui->cbbInfList->clear();
     timerScan->stop();
+    // What was asked of this link must not reach whatever the next one leads to.
+    setReq = 0;
     setInterfaceEnabled(true);
 }
 

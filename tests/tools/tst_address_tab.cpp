@@ -244,6 +244,7 @@ private Q_SLOTS:
         AddressTab tab;
         tab.open(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
+        tab.set->click();
         tab.form.stop();
         tab.form.stop();
         QCOMPARE(tab.state->text(), kClosed);
