@@ -248,6 +248,9 @@ fingerThread::Reply fingerThread::exchange(uint8_t addr, const Exchange &what)
 {
     Reply reply{};
     reply.request = requestFrame(discoveryFrameAddress(addr), what.command, {0, 0, 0, what.parameter, 0});
+    // The link may have gone and come again during an exchange before this one.
+    if (m_tickIsVoid)
+        return reply;
     writeInf(addr, frameBytes(reply.request), reply.request.size());
     reply.response = inf == kSerial ? awaitOnPort(what) : awaitOnBridge(addr, what);
     reply.isGood = !m_tickIsVoid && what.isAnsweredBy(reply.response);
