@@ -6,6 +6,9 @@
 
 namespace {
 
+/// Up to its command byte; less than that is no frame any more.
+constexpr int kShortestFrame = 4;
+
 QByteArray flipBit(QByteArray frame, int bit)
 {
     const int index = bit / 8;
@@ -93,6 +96,9 @@ bool SimFaults::strikes(Plan &plan)
 void SimFaults::inflict(SimFault fault, SimDelivery &delivery)
 {
     QByteArray &bytes = delivery.bytes;
+    // A fault before this one may have left less than a frame.
+    if (bytes.size() < kShortestFrame && fault != SimFault::Late)
+        return;
     switch (fault) {
     case SimFault::Silence:
         bytes.clear();

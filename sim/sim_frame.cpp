@@ -84,7 +84,8 @@ void simAppend(QByteArray &frame, uint32_t value, int count)
 uint32_t simValue(const QByteArray &frame, int offset, int count)
 {
     uint32_t value = 0;
-    for (int i = 0; i < count && offset + i < frame.size(); ++i)
+    const int end = std::min({count, 4, static_cast<int>(frame.size()) - offset});
+    for (int i = 0; i < end; ++i)
         value |= static_cast<uint32_t>(static_cast<uint8_t>(frame.at(offset + i))) << (8 * i);
     return value;
 }
