@@ -132,40 +132,56 @@ void Tour::printSensors(const TourStop &stop)
 {
     // The first seconds go to what the panels ask their sensors.
     letRun(settlingMs);
-    const auto *area = m_window->findChild<QMdiArea *>();
-    const QList<QMdiSubWindow *> windows = area->subWindowList();
-    for (QMdiSubWindow *window : windows) {
-        const auto *rate = window->findChild<QLabel *>(QStringLiteral("lbHz"));
-        waitUntil(QStringLiteral("rates of %1").arg(window->windowTitle()), ratesTimeoutMs, [rate] {
-            return !rate->text().isEmpty() && !rate->text().startsWith(QLatin1String("0/"));
-        });
-        print(QStringLiteral("  %1  %2 Hz").arg(window->windowTitle(), -24).arg(rate->text()));
-    }
-    if (windows.size() != stop.sensorCount)
+    const Panels panels = openPanels();
+    for (const QPointer<QMdiSubWindow> &panel : panels)
+        printRate(panel);
+    if (panels.size() != stop.sensorCount)
         m_failures.append(
-            QStringLiteral("%1 panels for %2 sensors").arg(windows.size()).arg(stop.sensorCount));
+            QStringLiteral("%1 panels for %2 sensors").arg(panels.size()).arg(stop.sensorCount));
+}
+
+void Tour::printRate(const QPointer<QMdiSubWindow> &panel)
+{
+    const QString title = panel ? panel->windowTitle() : QStringLiteral("a sensor that has gone");
+    const auto rate = [&panel] {
+        const auto *label = panel ? panel->findChild<QLabel *>(QStringLiteral("lbHz")) : nullptr;
+        return label ? label->text() : QString();
+    };
+    if (waitUntil(QStringLiteral("rates of %1").arg(title), ratesTimeoutMs,
+                  [&rate] { return !rate().isEmpty() && !rate().startsWith(QLatin1String("0/")); }))
+        print(QStringLiteral("  %1  %2 Hz").arg(title, -24).arg(rate()));
 }
 
 void Tour::walkPanels(const TourStop &stop)
 {
-    auto *area = m_window->findChild<QMdiArea *>();
-    const QList<QMdiSubWindow *> windows = area->subWindowList();
-    for (QMdiSubWindow *window : windows) {
-        area->setActiveSubWindow(window);
-        const QString name = stop.interfaceName + QLatin1Char('-') + window->windowTitle();
-        walkPages(name, window->widget());
+    for (const QPointer<QMdiSubWindow> &panel : openPanels()) {
+        if (!panel)
+            continue;
+        panel->mdiArea()->setActiveSubWindow(panel);
+        walkPages(stop.interfaceName + QLatin1Char('-') + panel->windowTitle(), panel);
     }
 }
 
-void Tour::walkPages(const QString &name, QWidget *panel)
+void Tour::walkPages(const QString &name, const QPointer<QMdiSubWindow> &panel)
 {
-    auto *pages = panel->findChild<QTabWidget *>(QStringLiteral("tabWidget"));
-    for (int page = 0; page < pages->count(); ++page) {
+    const QPointer<QTabWidget> pages(panel->findChild<QTabWidget *>(QStringLiteral("tabWidget")));
+    for (int page = 0; pages && page < pages->count(); ++page) {
         pages->setCurrentIndex(page);
         letRun(400);
         picture(m_window, name + QLatin1Char('-') + QString::number(page));
     }
-    pages->setCurrentIndex(0);
+    if (pages)
+        pages->setCurrentIndex(0);
+    else
+        m_failures.append(QStringLiteral("%1 is gone").arg(name));
+}
+
+Tour::Panels Tour::openPanels() const
+{
+    Panels panels;
+    for (QMdiSubWindow *panel : m_window->findChild<QMdiArea *>()->subWindowList())
+        panels.append(panel);
+    return panels;
 }
 
 void Tour::visitServiceTabs()

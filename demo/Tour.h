@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QStringList>
 #include <QVector>
 
 #include <functional>
 
-class QTabWidget;
+class QMdiSubWindow;
 class QWidget;
 
 /// What the tour expects behind one entry of the interface box.
@@ -31,14 +32,19 @@ public:
     void run();
 
 private:
+    /// A sensor that drops out takes its panel with it.
+    using Panels = QVector<QPointer<QMdiSubWindow>>;
+
     bool findWindow();
     void visit(const TourStop &stop);
     bool findSensors(const TourStop &stop);
     bool connectLink(const TourStop &stop);
     void disconnectLink();
     void printSensors(const TourStop &stop);
+    void printRate(const QPointer<QMdiSubWindow> &panel);
     void walkPanels(const TourStop &stop);
-    void walkPages(const QString &name, QWidget *panel);
+    void walkPages(const QString &name, const QPointer<QMdiSubWindow> &panel);
+    Panels openPanels() const;
     void visitServiceTabs();
     /// On the update tab: the firmware of a sensor behind that interface.
     void updateOver(const TourStop &stop);
