@@ -10,7 +10,7 @@ build_packages=(
   fonts-wqy-microhei fonts-dejavu-core
 )
 test_packages=(umockdev libumockdev-dev)
-check_packages=(clang-format clang-tidy)
+check_packages=(git clang-format clang-tidy)
 
 say() { printf '== %s\n' "$*"; }
 
