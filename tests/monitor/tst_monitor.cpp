@@ -186,6 +186,27 @@ private Q_SLOTS:
         QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
     }
 
+    void ignoresASensorOfAStoppedWorker()
+    {
+        MonitorBench bench;
+        bench.plug(31, 0x61);
+        bench.form.start();
+        QVERIFY(bench.connectLine());
+        const LogCapture log;
+        // While the window waits here it hears nothing of what the worker finds. Samples flow when a sensor is found.
+        bool asked = false;
+        const auto isSampleOfAFoundSensor = [&asked](const SimRecord &record) {
+            asked = asked || record.bytes == QByteArray::fromHex("AA5561A400000000000402");
+            return asked && record.kind == SimRecord::Kind::Sample;
+        };
+        QVERIFY(bench.line.journal().waitFor(isSampleOfAFoundSensor,
+                                             std::chrono::milliseconds(MonitorBench::kPatienceMs)));
+        bench.form.stop();
+        QCoreApplication::processEvents();
+        QCOMPARE(log.count(QStringLiteral("add tree")), 0);
+        QCOMPARE(bench.panels(), QStringList());
+    }
+
     void restartsOnceForTwoChanges()
     {
         MonitorBench bench;

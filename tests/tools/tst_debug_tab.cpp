@@ -291,6 +291,7 @@ private Q_SLOTS:
         const std::function<void(DebugTab &, LinkBench &)> disturbances[] = {
             [](DebugTab &tab, LinkBench &) { tab.connection->click(); },
             [](DebugTab &tab, LinkBench &) { tab.choose(Kind::Ch347); },
+            [](DebugTab &tab, LinkBench &) { tab.form.stop(); },
             [](DebugTab &, LinkBench &bench) { bench.usb.unplug(bench.bridge); }};
         for (const auto &disturb : disturbances) {
             LinkBench bench(Kind::Ch341);
