@@ -1,5 +1,7 @@
 #include "app/class_settings.h"
 #include "app/qmain.h"
+#include "sim/SimCh341.h"
+#include "sim/SimUsb.h"
 #include "tests/support/log_capture.h"
 
 #include <QDir>
@@ -150,6 +152,34 @@ private Q_SLOTS:
                 QStringList lines = stopped;
                 lines[tab].replace(QStringLiteral("stop"), QStringLiteral("start"));
                 QCOMPARE(log.lines().filter(startOrStop), lines);
+            }
+        });
+    }
+
+    void tabsChangeWhileSamplesFlow()
+    {
+        const auto bus = std::make_shared<SimI2cBus>();
+        bus->plug(std::make_shared<SimSensor>(0x13, 0x61), 4);
+        const auto bridge = std::make_shared<SimCh341>(bus, 5, 2);
+        SimUsb usb;
+        usb.plug(bridge);
+        runTool([&](QWidget *window) {
+            auto *devices = window->findChild<QComboBox *>(QStringLiteral("cbbCh341List"));
+            const auto *tree = window->findChild<QTreeWidget *>();
+            const auto rate = [window] {
+                const auto *label = window->findChild<QLabel *>(QStringLiteral("lbHz"));
+                return label != nullptr ? label->text() : QString();
+            };
+            for (const int tab : {1, 2, 3}) {
+                QTRY_COMPARE(devices->currentText(), QStringLiteral("5002"));
+                window->findChild<QPushButton *>(QStringLiteral("pbtnCh341Connect"))->click();
+                QTRY_VERIFY_WITH_TIMEOUT(rate().size() > 3 && !rate().startsWith(QLatin1String("0/")), 20000);
+                tabs(window)->setCurrentIndex(tab);
+                QVERIFY(!bridge->isOpen());
+                QTRY_COMPARE(tree->topLevelItem(0)->childCount(), 0);
+                // The list of the worker that has gone must not be taken for that of the next one.
+                devices->clear();
+                tabs(window)->setCurrentIndex(0);
             }
         });
     }
