@@ -26,7 +26,7 @@ uint32_t between(float force0, float force1, uint32_t value0, uint32_t value1, f
 uint32_t thresholdForForce(const QVector<float> &forces, const QVector<uint32_t> &values, float newtons)
 {
     if (newtons >= forces.last())
-        return values.value(forces.size() - 1);
+        return values.isEmpty() ? 0 : values.last();
     if (newtons < forces.first())
         return truncated(static_cast<float>(values.value(0)) / forces.first() * newtons);
     for (int i = 0; i + 1 < forces.size(); ++i) {

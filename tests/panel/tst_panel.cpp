@@ -353,7 +353,11 @@ private Q_SLOTS:
         for (const float newtons : {0.25F, 1.0F, 1.5F, 1.003F, 2.0F, 3.0F, 8.0F, 99.0F})
             thresholds +=
                 thresholdForForce({0.5F, 1.0F, 2.0F, 4.0F, 8.0F}, {100, 300, 600, 500, 900}, newtons);
-        QCOMPARE(thresholds, (QVector<unsigned int>{50, 300, 450, 300, 600, 0, 900, 900}));
+        // On and beyond the last point with more values than points, with fewer, with none.
+        for (const QVector<unsigned int> &values :
+             {QVector<unsigned int>{100, 300, 600}, QVector<unsigned int>{100}, QVector<unsigned int>{}})
+            thresholds += thresholdForForce({0.5F, 1.0F}, values, 1.0F);
+        QCOMPARE(thresholds, (QVector<unsigned int>{50, 300, 450, 300, 600, 0, 900, 900, 600, 100, 0}));
     }
 
     void sendsNoForceWithoutCalibration()
