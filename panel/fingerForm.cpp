@@ -7,6 +7,7 @@
 #include "views/dataForm.h"
 
 #include <QButtonGroup>
+#include <QLineEdit>
 #include <QTimer>
 
 namespace {
@@ -30,8 +31,11 @@ void letPageShowThrough(QScrollArea *area)
     area->widget()->setAutoFillBackground(false);
 }
 
+// An edit that was typed into is finished when the focus leaves it, and would send even on its way out.
 void emptyTable(QTableWidget *table)
 {
+    for (QLineEdit *edit : table->findChildren<QLineEdit *>())
+        edit->blockSignals(true);
     table->clear();
     table->setRowCount(0);
     table->setColumnCount(0);

@@ -204,6 +204,35 @@ private Q_SLOTS:
         QCOMPARE(bench.takeSent(), kAttachOfFinger);
     }
 
+    void dropsAHalfTypedCell()
+    {
+        for (const int page : {2, 3}) {
+            CalibrationBench bench;
+            bench.panel->show();
+            QVERIFY(QTest::qWaitForWindowActive(bench.panel));
+            auto *tabs = bench.get<QTabWidget>("tabWidget");
+            const auto type = [&] {
+                bench.answer(request("68"), QStringLiteral("55aa03e80a0000000b00000040420f00ffffffff"));
+                bench.curve(0, QStringLiteral("64000000c80000002c010000"));
+                tabs->setCurrentIndex(page);
+                QLineEdit *edit = page == 2 ? cell(bench, 1, 0) : bench.point(1, 0);
+                edit->setFocus();
+                QTest::keyClick(edit, Qt::Key_1);
+                bench.takeSent();
+            };
+            tabs->setCurrentIndex(page);
+            bench.takeSent();
+            bench.attach(31);
+            const QStringList plain = bench.takeSent();
+            type();
+            bench.attach(31);
+            QCOMPARE(bench.takeSent(), plain);
+            type();
+            delete std::exchange(bench.panel, nullptr);
+            QCOMPARE(bench.takeSent(), QStringList());
+        }
+    }
+
     void setsTheAddress()
     {
         Bench bench;
