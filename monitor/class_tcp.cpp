@@ -1,5 +1,6 @@
 #include "monitor/class_tcp.h"
 
+#include <QHostAddress>
 #include <QTcpSocket>
 
 namespace {
@@ -40,10 +41,11 @@ void class_tcp::onDisconnected()
 
 void class_tcp::connectToHost(const QString &address, quint16 port)
 {
+    // A name would be looked up first, without regard to the time-out.
+    if (!QHostAddress().setAddress(address))
+        return;
     socket->connectToHost(address, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
-    // An attempt that is late must not succeed when nobody expects it any more.
-    if (!socket->waitForConnected(kConnectTimeoutMs))
-        socket->abort();
+    socket->waitForConnected(kConnectTimeoutMs);
 }
 
 void class_tcp::disconnectFromHost()

@@ -17,7 +17,8 @@ public:
 
     bool isConnected() const { return connected; }
 
-    /// Blocks for half a second at most. Success comes as si_connected(), a failure without a word.
+    /// Blocks for half a second at most. Success comes as si_connected(), a failure without a word. The address is one
+    /// in numbers; any other text is a failure.
     void connectToHost(const QString &address, quint16 port);
     void disconnectFromHost();
     /// One record, sent at once so that the peer sees it singly. Call only while connected.
