@@ -9,6 +9,13 @@
 
 namespace {
 
+// Spelt out, for a text file would write a line in pieces where its end has two bytes.
+#ifdef Q_OS_WIN
+constexpr const char *kLineEnd = "\r\n";
+#else
+constexpr const char *kLineEnd = "\n";
+#endif
+
 // Files hold Latin-1: a heading of other letters becomes question marks.
 void appendText(QByteArray &line, const QString &text)
 {
@@ -41,7 +48,7 @@ QByteArray headerLine(const class_finger &view)
     appendHeadings(line, QObject::tr(",互电容接近"), view.mProxList.size());
     if (!view.statusList.isEmpty())
         appendText(line, QObject::tr(",状态") + view.statusList.first());
-    return line + '\n';
+    return line + kLineEnd;
 }
 
 void appendValue(QByteArray &line, const QString &value)
@@ -69,7 +76,7 @@ void appendDataLine(QByteArray &line, const class_finger &view)
     appendValues(line, view.mProxList);
     if (!view.statusList.isEmpty())
         appendValue(line, view.statusList.first());
-    line += '\n';
+    line += kLineEnd;
 }
 
 // All of it or nothing: what a full disk let through is cut off again.
@@ -102,7 +109,7 @@ void SampleRecorder::append(const class_finger &view)
         saveFileName = newFileName();
     QFile file(saveFileName);
     // Unbuffered, so that the line goes out in one piece and its fate is known at once.
-    if (!file.open(QIODevice::Append | QIODevice::Text | QIODevice::Unbuffered)) {
+    if (!file.open(QIODevice::Append | QIODevice::Unbuffered)) {
         qDebug("%s", "文件夹打开失败");
         return;
     }
