@@ -135,7 +135,7 @@ void fingerForm::setupChannelTable()
         rows += QObject::tr("通道") + QString::number(i);
     ui->tbwThreshold->setRowCount(channels);
     ui->tbwThreshold->setColumnCount(1);
-    ui->tbwThreshold->setHorizontalHeaderLabels({tr("阈值")});
+    ui->tbwThreshold->setHorizontalHeaderLabels({QObject::tr("阈值")});
     ui->tbwThreshold->setVerticalHeaderLabels(rows);
 }
 
