@@ -58,7 +58,7 @@ tactViewForm::tactViewForm(QWidget *parent)
 tactViewForm::~tactViewForm()
 {
     stop();
-    // The panels tell about their views while they go, so they go while everything is still here.
+    // Signals of the panels lead here, so the panels go while everything is still here.
     delete splitter;
     delete ui;
 }
