@@ -76,16 +76,19 @@ struct Row
 {
     const char *name;
     std::function<void(World &)> act;
-    const char *request;
+    QByteArray request;
     std::function<bool(World &)> effect;
 };
 
 const char *const kTable = "tbwThreshold";
 const char *const kCurves = "tbwCaliTable";
 
-bool always(World &)
+/// For what changes nothing that can be seen: the sensor has obeyed.
+std::function<bool(World &)> answered(const char *frame)
 {
-    return true;
+    return [bytes = QByteArray::fromHex(frame)](World &w) {
+        return w.line.journal().count(SimRecord::Kind::Answer, bytes) == 1;
+    };
 }
 
 // clang-format off
@@ -118,14 +121,16 @@ const QVector<Row> kRows = {
     {"temperature", [](World &w) { w.of<QLabel>("lbTemp")->clear(); w.click("pbtnGetTemp"); }, "aa5561740000000000d401", [](World &w) { return !w.of<QLabel>("lbTemp")->text().isEmpty(); }},
     {"temperature calibrated", [](World &w) { w.of<QDoubleSpinBox>("dspbTempCali")->setValue(1.5); w.click("pbtnTempCali"); }, "aa5561750000c03f00d402",
      [](World &w) { return w.sensor->settings().temperatureCalibration == 1.5F; }},
-    {"pressure threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbTouchThreshold")->setValue(0.29); w.click("pbtnTouchThreshold"); }, "aa55616a011c000000e701", always},
-    {"automatic threshold", [](World &w) { w.click("pbtnAutoThreshold"); }, "aa5561670300000000ca01", always},
-    {"channel values", [](World &w) { w.click("pbtnAutoDac"); }, "aa5561630000000000c301", always},
-    {"all channels", [](World &w) { w.click("pbtnChannelResetAll"); }, "aa5561790000000000d901", always},
-    {"counts", [](World &w) { w.panel->getSensorNum(); }, "aa5561620000000000c201", always},
+    {"pressure threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbTouchThreshold")->setValue(0.29); w.click("pbtnTouchThreshold"); }, "aa55616a011c000000e701",
+     [](World &w) { return w.sensor->settings().thresholds.at(5) == 280 && w.shown(kTable, 5, 0) == QStringLiteral("280"); }},
+    {"automatic threshold", [](World &w) { w.click("pbtnAutoThreshold"); }, "aa5561670300000000ca01",
+     [](World &w) { return w.sensor->settings().thresholds.at(5) == 45; }},
+    {"channel values", [](World &w) { w.click("pbtnAutoDac"); }, "aa5561630000000000c301", answered("55aa61e34302")},
+    {"all channels", [](World &w) { w.click("pbtnChannelResetAll"); }, "aa5561790000000000d901", answered("55aa61f95902")},
+    {"counts", [](World &w) { w.panel->getSensorNum(); }, "aa5561620000000000c201", answered("55aa61e208070101005302")},
     {"channel disabled", [](World &w) { auto *box = w.of<QWidget>("sawgDataList")->findChildren<QCheckBox *>().at(3); box->setChecked(true); box->setChecked(false); },
      "aa55617b0300000000de01", [](World &w) { return w.sensor->settings().enabled.at(3) == 0; }},
-    {"channel reset", [](World &w) { w.of<QWidget>("sawgDataList")->findChildren<QPushButton *>().at(7)->click(); }, "aa55617c0700000000e301", always},
+    {"channel reset", [](World &w) { w.of<QWidget>("sawgDataList")->findChildren<QPushButton *>().at(7)->click(); }, "aa55617c0700000000e301", answered("55aa61fc00000000005c02")},
     {"send type", [](World &w) { w.of<QTabWidget>("tabWidget")->setCurrentIndex(2); w.of<QComboBox>("cbbSetSendType")->setCurrentIndex(3); }, "aa55617f0000000300e201",
      [](World &w) { return w.sensor->settings().sendType == 3; }},
     {"calibration forces", [](World &w) { w.panel->getCaliNList(); }, "aa55616d0000000000cd01", [](World &w) { return w.of<QComboBox>("cbbCaliList")->count() == 22; }},
@@ -137,9 +142,10 @@ const QVector<Row> kRows = {
      [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 1500 && w.shown(kCurves, 1, 2) == QStringLiteral("1500"); }},
     {"large calibration point", [](World &w) { w.edit(kCurves, 1, 2, "16777215"); }, "aa5561650201ffffff00c504",
      [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 16777215; }},
-    {"calibration cleared", [](World &w) { w.click("pbtnCaliClear"); }, "",
+    {"calibration cleared", [](World &w) { w.click("pbtnCaliClear"); }, "aa55614207" + QByteArray(176, '0') + "a901",
      [](World &w) { return w.sensor->settings().curves.at(7).at(21) == 0 && w.shown(kCurves, 21, 7) == QStringLiteral("0"); }},
-    {"software reset", [](World &w) { w.of<QWidget>("scrollArea")->findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click(); }, "aa5561a100000000000102", always},
+    {"software reset", [](World &w) { w.of<QWidget>("scrollArea")->findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click(); }, "aa5561a100000000000102",
+     [](World &w) { return w.sensor->bootLoader().isActive(SimClock::now()); }},
 };
 // clang-format on
 
@@ -172,8 +178,7 @@ private Q_SLOTS:
         m_world->line.journal().clear();
         row.act(*m_world);
         const auto done = [&] {
-            return (*row.request == '\0' || m_world->requests().contains(QLatin1String(row.request))) &&
-                   row.effect(*m_world);
+            return m_world->requests().contains(QLatin1String(row.request)) && row.effect(*m_world);
         };
         QVERIFY2(QTest::qWaitFor(done, MonitorBench::kPatienceMs),
                  qPrintable(m_world->requests().join(QLatin1Char(' '))));
