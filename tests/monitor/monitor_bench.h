@@ -48,7 +48,7 @@ public:
         return QTest::qWaitFor([this] { return connected(); }, kPatienceMs);
     }
     QPushButton *button() const { return get<QPushButton>("pbtnCh341Connect"); }
-    bool connected() const { return button()->text() == QStringLiteral("断开"); }
+    bool connected() const { return button()->text() == QObject::tr("断开"); }
 
     /// Texts of all sensors in the tree, with their serial numbers cut off.
     QStringList tree() const

@@ -3,6 +3,7 @@
 
 #include "tests/monitor/monitor_bench.h"
 
+#include "app/class_settings.h"
 #include "monitor/class_tcp.h"
 #include "monitor/tcp_record.h"
 #include "panel/recording_folder.h"
@@ -13,6 +14,7 @@
 #include <QStandardPaths>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTranslator>
 
 namespace {
 
@@ -59,7 +61,11 @@ class TestPlotting : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
+    void initTestCase()
+    {
+        Q_INIT_RESOURCE(translations);
+        QStandardPaths::setTestModeEnabled(true);
+    }
     void init()
     {
         QVERIFY(QDir(recordingFolder()).removeRecursively());
@@ -107,6 +113,45 @@ private Q_SLOTS:
         const int first = recorded.indexOf(plotted.first());
         QVERIFY2(first >= 0, qPrintable(plotted.first()));
         QCOMPARE(recorded.mid(first, kRecords), plotted);
+    }
+
+    void tellsHowItStands_data()
+    {
+        QTest::addColumn<QString>("apart");
+        QTest::addColumn<QString>("together");
+        QTest::newRow("zh_cn") << "连接"
+                               << "断开";
+        QTest::newRow("en") << "Connect"
+                            << "Disconnect";
+    }
+    void tellsHowItStands()
+    {
+        QFETCH(QString, apart);
+        QFETCH(QString, together);
+        QTranslator english;
+        QVERIFY(english.load(QStringLiteral(":/en.qm")));
+        if (apart == QLatin1String("Connect"))
+            QCoreApplication::installTranslator(&english);
+        QVERIFY(QDir(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation)).removeRecursively());
+        MonitorBench bench;
+        QCOMPARE(bench.get<QLineEdit>("leServiceAddr")->text(), QString());
+        QCOMPARE(bench.get<QSpinBox>("spbServicePort")->value(), 0);
+
+        Peer peer;
+        bench.connectPlotter(peer.server.serverPort());
+        const auto *plotter = bench.get<QPushButton>("pbtnServiceConnect");
+        QCOMPARE(plotter->text(), together);
+        QCOMPARE(class_settings::get(QStringLiteral("TCP/IP")), QStringLiteral("127.0.0.1"));
+        QCOMPARE(class_settings::get(QStringLiteral("TCP/PORT")), QString::number(peer.server.serverPort()));
+        QVERIFY(peer.server.waitForNewConnection(MonitorBench::kPatienceMs));
+        peer.server.nextPendingConnection()->abort();
+        QTRY_COMPARE(plotter->text(), apart);
+
+        bench.form.start();
+        QVERIFY(bench.connectLine());
+        QCOMPARE(bench.button()->text(), together);
+        bench.button()->click();
+        QTRY_COMPARE(bench.button()->text(), apart);
     }
 
     void composes()
