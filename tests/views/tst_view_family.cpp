@@ -2,9 +2,11 @@
 
 #include "tests/support/log_capture.h"
 #include "tests/views/view_probe.h"
+#include "views/gauge_painting.h"
 #include "views/models/fingerForm_null.h"
 #include "views/models/view_layout.h"
 
+#include <QFontMetrics>
 #include <QLabel>
 #include <QMap>
 #include <QProgressBar>
@@ -120,6 +122,25 @@ QString titles(const ViewProbe &view)
     return texts.join(QLatin1Char(' '));
 }
 
+void showWideNumbers(class_finger *view)
+{
+    view->setShowData(true);
+    for (unsigned char i = 0; i < 16; ++i) {
+        view->setYdds(i, 16.4F, 16.4F, 359);
+        view->setPress(i, 16.4F, 20.0F);
+    }
+    view->setPressNList(QVector<float>(25, 16.4F), 20.0F);
+}
+
+/// True when what the gauge shows stands wholly on the left of its disc, in a size that can be read.
+bool textIsFree(const QLabel &gauge)
+{
+    const QSize text = gauge.fontMetrics().size(0, gauge.text());
+    const int disc = gaugeSize(gauge.width(), gauge.height(), false).radius;
+    return std::max(gauge.indent(), 0) + text.width() <= gauge.width() / 2 - disc &&
+           text.height() <= gauge.height() && gauge.font().pixelSize() >= 8;
+}
+
 /// A row for every id, or for one of each view only; 64 itself shows 50.
 void addRows(bool everyId)
 {
@@ -228,6 +249,10 @@ void TestViewFamily::nothingOverlaps()
     QFETCH(int, id);
     const ViewProbe view = probe(id);
     auto *pages = view.widget->findChild<QTabWidget *>();
+    showWideNumbers(view.finger);
+    // The font of a panel, and the room that it has for a view while the window has its first size.
+    view.widget->setFont(QFont(QString(), 15));
+    QCOMPARE(view.widget->minimumSizeHint().boundedTo({499, 239}), view.widget->minimumSizeHint());
     for (const QSize &size : {QSize(1, 1), QSize(333, 257), QSize(700, 300), QSize(300, 900)}) {
         view.widget->resize(size.expandedTo(view.widget->minimumSizeHint()));
         for (int page = 0; page < (pages != nullptr ? pages->count() : 1); ++page) {
@@ -244,6 +269,11 @@ void TestViewFamily::nothingOverlaps()
             QVERIFY2(one->parentWidget()->rect().contains(one->geometry()), qPrintable(one->objectName()));
             QVERIFY2(!taken[one->parentWidget()].intersects(one->geometry()), qPrintable(one->objectName()));
             taken[one->parentWidget()] += one->geometry();
+        }
+        for (const QLabel *label : view.widget->findChildren<QLabel *>()) {
+            if (qobject_cast<const ydds *>(label) != nullptr ||
+                qobject_cast<const class_ydds *>(label) != nullptr)
+                QVERIFY2(label->text().isEmpty() || textIsFree(*label), qPrintable(label->objectName()));
         }
     }
 }

@@ -1,18 +1,26 @@
 #include "views/models/SensorPicture.h"
 
+#include "views/gauge_painting.h"
+
 #include <QEvent>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
-/// A gauge with numbers has a smaller disc, and as much width as the numbers need on one side of it.
-constexpr double kDiscWithNumbers = 0.66;
-constexpr double kWidthWithNumbers = 2.3;
-/// Height of the digits, in diameters: three lines fit beside the disc.
-constexpr double kDigitHeight = 0.25;
+constexpr int kSmallestDigits = 8;
+constexpr int kLargestDigits = 24;
+constexpr int kGapBeforeDisc = 1;
+/// Keeps the text of a tile off the edge of its cell.
+constexpr int kTileIndent = 3;
+
+/// The widest texts that gauges carry: a force, and a force block.
+constexpr char kForceNumber[] = "16.40";
+constexpr char kBlockNumbers[] = "16.40\n16.40\n359";
 
 QColor mixed(const QColor &back, const QColor &front, double part)
 {
@@ -20,14 +28,27 @@ QColor mixed(const QColor &back, const QColor &front, double part)
     return {mix(back.red(), front.red()), mix(back.green(), front.green()), mix(back.blue(), front.blue())};
 }
 
-void setDigitHeight(QWidget *widget, double diameter)
+/// Pixel size of the largest digits with which `text` fits on the left of the disc of a gauge.
+int digitSize(QFont font, QSize gauge, const char *text, int indent = 0)
 {
-    const int pixels = std::clamp(static_cast<int>(diameter * kDigitHeight), 8, 18);
-    QFont font = widget->font();
+    const int disc = gaugeSize(gauge.width(), gauge.height(), false).radius;
+    const QSize room(gauge.width() / 2 - disc - kGapBeforeDisc - indent, gauge.height());
+    int pixels = kLargestDigits + 1;
+    QSize needed;
+    do {
+        font.setPixelSize(--pixels);
+        needed = QFontMetrics(font).size(0, QLatin1String(text));
+    } while (pixels > kSmallestDigits && (needed.width() > room.width() || needed.height() > room.height()));
+    return pixels;
+}
+
+void setDigitSize(QWidget *gauge, int pixels)
+{
+    QFont font = gauge->font();
     if (font.pixelSize() == pixels)
         return;
     font.setPixelSize(pixels);
-    widget->setFont(font);
+    gauge->setFont(font);
 }
 
 } // namespace
@@ -40,11 +61,14 @@ SensorPicture::SensorPicture(Outline outline, QWidget *parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void SensorPicture::addSpot(const Spot &spot, QWidget *gauge, bool withNumbers)
+void SensorPicture::addSpot(const Spot &spot, QWidget *gauge, SpotText text)
 {
-    m_regions.append({spot, gauge, withNumbers});
+    m_regions.append({spot, gauge, text});
     if (gauge == nullptr)
         return;
+    if (text != SpotText::None)
+        m_margin =
+            std::max({m_margin, spot.width / 2 - spot.x, spot.x + spot.width / 2 - m_outline.size.width()});
     gauge->setParent(this);
     placeGauge(m_regions.constLast());
 }
@@ -59,18 +83,19 @@ void SensorPicture::setTiles(const TileLayout &tiles, QWidget *grid)
 
 QSize SensorPicture::sizeHint() const
 {
-    return m_outline.size * 2;
+    return minimumSizeHint() * 2;
 }
 
 QSize SensorPicture::minimumSizeHint() const
 {
-    return m_outline.size;
+    return m_outline.size + QSize(static_cast<int>(std::ceil(2 * m_margin)), 0);
 }
 
 double SensorPicture::scale() const
 {
-    return std::min(static_cast<double>(width()) / m_outline.size.width(),
-                    static_cast<double>(height()) / m_outline.size.height());
+    const QSize smallest = minimumSizeHint();
+    return std::min(static_cast<double>(width()) / smallest.width(),
+                    static_cast<double>(height()) / smallest.height());
 }
 
 QPointF SensorPicture::origin() const
@@ -79,30 +104,32 @@ QPointF SensorPicture::origin() const
     return {(width() - drawn.width()) / 2, (height() - drawn.height()) / 2};
 }
 
-double SensorPicture::discDiameter(const Region &region)
-{
-    return region.withNumbers ? region.spot.diameter * kDiscWithNumbers : region.spot.diameter;
-}
-
 void SensorPicture::placeGauge(const Region &region) const
 {
-    const double diameter = discDiameter(region) * scale();
-    const QPointF centre = origin() + QPointF(region.spot.x, region.spot.y) * scale();
-    const double across = region.withNumbers ? diameter * kWidthWithNumbers : diameter;
+    const Spot &spot = region.spot;
+    const double across = region.text == SpotText::None ? spot.diameter : spot.width;
+    const QPointF centre = origin() + QPointF(spot.x, spot.y) * scale();
     // Whole pixels downwards, so that neighbours never grow into each other.
-    const QSize size(static_cast<int>(across), static_cast<int>(diameter));
+    const QSize size(static_cast<int>(across * scale()), static_cast<int>(spot.diameter * scale()));
     region.gauge->setGeometry(
         QRect(QPointF(centre.x() - size.width() / 2.0, centre.y() - size.height() / 2.0).toPoint(), size));
-    setDigitHeight(region.gauge, diameter);
+    if (region.text != SpotText::None)
+        setDigitSize(region.gauge, digitSize(region.gauge->font(), size,
+                                             region.text == SpotText::Force ? kForceNumber : kBlockNumbers));
 }
 
 void SensorPicture::placeTiles() const
 {
     const QPointF corner = origin() + QPointF(m_tiles->x, m_tiles->y) * scale();
-    m_grid->setGeometry(QRectF(corner, QSizeF(m_tiles->width, m_tiles->height) * scale()).toRect());
+    const QRect place = QRectF(corner, QSizeF(m_tiles->width, m_tiles->height) * scale()).toRect();
+    m_grid->setGeometry(place);
+    const QSize tileSize(place.width() / m_tiles->columns, place.height() / m_tiles->rows);
+    const int pixels = digitSize(font(), tileSize, kForceNumber, kTileIndent);
     // A label with a style sheet does not take its parent's font, so each tile is told.
-    for (QLabel *tile : m_grid->findChildren<QLabel *>())
-        setDigitHeight(tile, m_tiles->height * scale() / m_tiles->rows);
+    for (QLabel *tile : m_grid->findChildren<QLabel *>()) {
+        setDigitSize(tile, pixels);
+        tile->setIndent(kTileIndent);
+    }
 }
 
 void SensorPicture::resizeEvent(QResizeEvent *event)
@@ -169,7 +196,7 @@ void SensorPicture::drawMarks(QPainter &painter) const
     painter.setPen(pen);
     painter.setBrush(mixed(paper, ink, 0.02));
     for (const Region &region : m_regions) {
-        const double radius = discDiameter(region) / 2 - 0.5;
+        const double radius = region.spot.diameter / 2 - 0.5;
         painter.drawEllipse(QPointF(region.spot.x, region.spot.y), radius, radius);
     }
     if (m_tiles == nullptr)

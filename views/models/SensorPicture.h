@@ -6,6 +6,13 @@
 #include <QVector>
 #include <QWidget>
 
+/// What is written on the left of a gauge's disc.
+enum class SpotText {
+    None,
+    Force, ///< one number
+    Block  ///< three lines: normal and tangential force, direction
+};
+
 /// A quiet drawing of the sensor that keeps gauges and tiles over its regions at every size.
 class SensorPicture : public QWidget
 {
@@ -14,9 +21,9 @@ class SensorPicture : public QWidget
 public:
     explicit SensorPicture(Outline outline, QWidget *parent = nullptr);
 
-    /// Marks a region and, if there is a gauge, keeps it there and takes it as a child. `withNumbers` widens the gauge,
-    /// so that its text stands free on the left of the disc.
-    void addSpot(const Spot &spot, QWidget *gauge = nullptr, bool withNumbers = false);
+    /// Marks a region and, if there is a gauge, keeps it there and takes it as a child. With a text the gauge has the
+    /// width of the spot, and the picture is never so small that the text would run under the disc.
+    void addSpot(const Spot &spot, QWidget *gauge = nullptr, SpotText text = SpotText::None);
     /// Marks the cells of an array and keeps the grid over them, which becomes a child.
     void setTiles(const TileLayout &tiles, QWidget *grid);
 
@@ -33,10 +40,9 @@ private:
     {
         Spot spot;
         QWidget *gauge;
-        bool withNumbers;
+        SpotText text;
     };
 
-    static double discDiameter(const Region &region);
     double scale() const;
     QPointF origin() const;
     void placeGauge(const Region &region) const;
@@ -46,6 +52,7 @@ private:
 
     SensorOutline m_outline;
     QVector<Region> m_regions;
+    double m_margin = 0; // on either side of the outline, where gauges with a text reach beyond it
     const TileLayout *m_tiles = nullptr;
     QWidget *m_grid = nullptr;
     QPixmap m_backdrop; // null until it is painted at the present size and palette

@@ -129,7 +129,8 @@ void ViewForm::addGauges(SensorPicture *picture, const ViewLayout &layout)
         ydds *gauge = makeGauge(numbered("label_", gauges.size() + 1));
         if (layout.gaugeText != GaugeText::None)
             gauge->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        picture->addSpot(spot, gauge, layout.gaugeText == GaugeText::WhenAsked);
+        picture->addSpot(spot, gauge,
+                         layout.gaugeText == GaugeText::WhenAsked ? SpotText::Block : SpotText::None);
         gauges.append(gauge);
     }
 }
@@ -139,7 +140,7 @@ void ViewForm::addForces(SensorPicture *picture, const ViewLayout &layout)
     for (const Spot &spot : layout.drawing->discs) {
         ydds *disc = makeGauge(numbered("lbPress_", discs.size() + 1));
         disc->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        picture->addSpot(spot, disc, layout.has(kDiscTexts));
+        picture->addSpot(spot, disc, layout.has(kDiscTexts) ? SpotText::Force : SpotText::None);
         discs.append(disc);
     }
     if (const TileLayout *tiles = layout.drawing->tiles; tiles != nullptr) {

@@ -2,31 +2,33 @@
 
 namespace {
 
-constexpr Spot kTipGauge[] = {{60, 66, 62}};
+constexpr Spot kTipGauge[] = {{60, 66, 62, 212}};
 constexpr Spot kTipGaugeInRing[] = {{60, 66, 36}};
-constexpr Spot kTipGaugeInWideRing[] = {{60, 66, 36}};
+constexpr Spot kWideTipGauge[] = {{116, 66, 62, 166}};
+constexpr Spot kWideTipGaugeInRing[] = {{116, 66, 46, 130}};
 
 constexpr Spot kTipRing5[] = {{60, 24, 18}, {102, 58, 18}, {86, 104, 18}, {34, 104, 18}, {18, 58, 18}};
 
 constexpr Spot kTipRing10[] = {{60, 24, 15},  {85, 31, 15},  {100, 52, 15}, {100, 78, 15}, {85, 101, 15},
                                {60, 108, 15}, {35, 101, 15}, {20, 78, 15},  {20, 52, 15},  {35, 31, 15}};
 
-constexpr Spot kTipRing12[] = {{60, 22, 14}, {82, 27, 14},  {98, 43, 14},  {104, 66, 14},
-                               {98, 89, 14}, {82, 105, 14}, {60, 110, 14}, {38, 105, 14},
-                               {22, 89, 14}, {16, 66, 14},  {22, 43, 14},  {38, 27, 14}};
+constexpr Spot kWideTipRing12[] = {{116, 22, 14}, {161, 28, 14},  {194, 44, 14},  {206, 66, 14},
+                                   {194, 88, 14}, {161, 104, 14}, {116, 110, 14}, {71, 104, 14},
+                                   {38, 88, 14},  {26, 66, 14},   {38, 44, 14},   {71, 28, 14}};
 
-constexpr Spot kTipRows13[] = {{60, 20, 21},  {25, 44, 21},  {60, 42, 21}, {95, 44, 21}, {25, 66, 21},
-                               {60, 64, 21},  {95, 66, 21},  {25, 88, 21}, {60, 86, 21}, {95, 88, 21},
-                               {25, 110, 21}, {60, 108, 21}, {95, 110, 21}};
+constexpr Spot kWideTipRows13[] = {
+    {116, 20, 17, 66}, {50, 44, 17, 66},   {116, 44, 17, 66}, {182, 44, 17, 66}, {50, 66, 17, 66},
+    {116, 66, 17, 66}, {182, 66, 17, 66},  {50, 88, 17, 66},  {116, 88, 17, 66}, {182, 88, 17, 66},
+    {50, 110, 17, 66}, {116, 110, 17, 66}, {182, 110, 17, 66}};
 
 constexpr Spot kTipRows15[] = {{49, 21, 19}, {71, 21, 19}, {36, 43, 19},  {60, 43, 19},  {84, 43, 19},
                                {36, 65, 19}, {60, 65, 19}, {84, 65, 19},  {24, 87, 19},  {48, 87, 19},
                                {72, 87, 19}, {96, 87, 19}, {36, 109, 19}, {60, 109, 19}, {84, 109, 19}};
 
-constexpr Spot kPadGauge[] = {{50, 56, 52}};
-constexpr Spot kPadGauges2[] = {{50, 44, 52}, {50, 118, 52}};
+constexpr Spot kPadGauge[] = {{50, 56, 52, 176}};
+constexpr Spot kPadGauges2[] = {{50, 44, 52, 176}, {50, 118, 52, 176}};
 constexpr Spot kPadGauges3[] = {{50, 34, 44}, {50, 82, 44}, {50, 130, 44}};
-constexpr Spot kPadGauges4[] = {{50, 26, 37}, {50, 64, 37}, {50, 102, 37}, {50, 140, 37}};
+constexpr Spot kPadGauges4[] = {{50, 26, 37, 160}, {50, 64, 37, 160}, {50, 102, 37, 160}, {50, 140, 37, 160}};
 constexpr Spot kPadGauges3AmongDiscs[] = {{50, 34, 28}, {50, 84, 28}, {50, 134, 28}};
 constexpr Spot kPadDiscs12[] = {{26, 25, 14},  {74, 25, 14},  {20, 44, 14},  {80, 44, 14},
                                 {20, 75, 14},  {80, 75, 14},  {20, 94, 14},  {80, 94, 14},
@@ -44,21 +46,22 @@ constexpr Spot kPalmDiscs31[] = {
 constexpr Spot kJawGauges[] = {{36, 52, 46}, {104, 52, 46}};
 constexpr Spot kHeadGauge[] = {{65, 65, 46}};
 constexpr Spot kBoardGauge[] = {{130, 63, 68}};
-constexpr Spot kBoardGaugeBelow[] = {{130, 88, 56}};
+constexpr Spot kWideBoardGauge[] = {{202, 63, 84, 224}};
+constexpr Spot kWideBoardGaugeBelow[] = {{202, 87, 62, 166}};
 
 // A tile that carries a number is wider than high, so that the number stands free on the left of the disc.
 constexpr TileLayout kTiles3x3 = {3, 3, false, 76, 9, 108, 108};
-constexpr TileLayout kTiles3x4 = {3, 4, false, 12, 25, 236, 75};
-constexpr TileLayout kTiles5x5 = {5, 5, true, 12, 9, 236, 108};
-constexpr TileLayout kTiles1x3 = {1, 3, false, 12, 15, 236, 34};
+constexpr TileLayout kTiles3x4 = {3, 4, false, 12, 9, 380, 108};
+constexpr TileLayout kTiles5x5 = {5, 5, true, 12, 9, 380, 108};
+constexpr TileLayout kTiles1x3 = {1, 3, false, 12, 13, 380, 36};
 
 } // namespace
 
 const Drawing kTip = {Outline::Fingertip, kTipGauge, {}};
 const Drawing kTipWith5 = {Outline::Fingertip, kTipGaugeInRing, kTipRing5};
 const Drawing kTipWith10 = {Outline::Fingertip, kTipGaugeInRing, kTipRing10};
-const Drawing kTipWith12 = {Outline::Fingertip, kTipGaugeInWideRing, kTipRing12};
-const Drawing kTipWith13 = {Outline::Fingertip, kTipGauge, kTipRows13};
+const Drawing kTipWith12 = {Outline::WideFingertip, kWideTipGaugeInRing, kWideTipRing12};
+const Drawing kTipWith13 = {Outline::WideFingertip, kWideTipGauge, kWideTipRows13};
 const Drawing kTipOf15 = {Outline::Fingertip, kTipRows15, {}};
 const Drawing kNailedTip = {Outline::NailedFingertip, {}, {}};
 const Drawing kPad = {Outline::FingerPad, kPadGauge, {}};
@@ -71,6 +74,6 @@ const Drawing kGripper = {Outline::Gripper, kJawGauges, {}};
 const Drawing kMassageHead = {Outline::MassageHead, kHeadGauge, {}};
 const Drawing kEmptyHead = {Outline::MassageHead, {}, {}};
 const Drawing kArray3x3 = {Outline::Array, kBoardGauge, {}, &kTiles3x3};
-const Drawing kArray3x4 = {Outline::Array, kBoardGauge, {}, &kTiles3x4};
-const Drawing kArray5x5 = {Outline::Array, kBoardGauge, {}, &kTiles5x5};
-const Drawing kArray1x3 = {Outline::Array, kBoardGaugeBelow, {}, &kTiles1x3};
+const Drawing kArray3x4 = {Outline::WideArray, kWideBoardGauge, {}, &kTiles3x4};
+const Drawing kArray5x5 = {Outline::WideArray, kWideBoardGauge, {}, &kTiles5x5};
+const Drawing kArray1x3 = {Outline::WideArray, kWideBoardGaugeBelow, {}, &kTiles1x3};

@@ -3,7 +3,17 @@
 #include <cstddef>
 
 /// What is drawn behind the gauges.
-enum class Outline { Fingertip, NailedFingertip, FingerPad, Palm, Gripper, MassageHead, Array };
+enum class Outline {
+    Fingertip,
+    WideFingertip,
+    NailedFingertip,
+    FingerPad,
+    Palm,
+    Gripper,
+    MassageHead,
+    Array,
+    WideArray
+};
 
 /// A circle on a drawing. Lengths of a drawing are in pixels of the picture at its smallest size.
 struct Spot
@@ -11,6 +21,9 @@ struct Spot
     double x;
     double y;
     double diameter;
+    /// Of a gauge that carries numbers. They stand at its left edge, which may lie beyond the outline; as much stays
+    /// free on the right.
+    double width = 0;
 };
 
 /// A fixed arrangement of spots.
@@ -54,7 +67,7 @@ struct Drawing
 extern const Drawing kTip;          ///< fingertip, one region
 extern const Drawing kTipWith5;     ///< ... with discs around it
 extern const Drawing kTipWith10;    ///< ...
-extern const Drawing kTipWith12;    ///< ... room for numbers beside the gauge
+extern const Drawing kTipWith12;    ///< ... room for numbers within the ring
 extern const Drawing kTipWith13;    ///< ... discs with numbers, on a page of their own
 extern const Drawing kTipOf15;      ///< fingertip of fifteen regions
 extern const Drawing kNailedTip;    ///< fingertip with a nail, no regions

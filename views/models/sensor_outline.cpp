@@ -47,18 +47,22 @@ void addFoot(QPainterPath &lines, double width, double top, double bottom)
     lines.lineTo(width - inset, top);
 }
 
-SensorOutline fingertip(bool nail)
+SensorOutline fingertip(int width)
 {
-    SensorOutline outline{{120, 128}, cap(120, 5, nail ? 12 : 4, 66, 121), {}};
+    SensorOutline outline{{width, 128}, cap(width, 5, 4, 66, 121), {}};
+    addFoot(outline.lines, width, 121, 127);
+    outline.lines.addPath(cap(width, 9, 8, 66, 117));
+    return outline;
+}
+
+SensorOutline nailedFingertip()
+{
+    SensorOutline outline{{120, 128}, cap(120, 5, 12, 66, 121), {}};
     addFoot(outline.lines, 120, 121, 127);
-    if (!nail)
-        outline.lines.addPath(cap(120, 9, 8, 66, 117));
-    else {
-        outline.lines.moveTo(26, 26);
-        outline.lines.cubicTo(34, 8, 46, 3, 60, 3);
-        outline.lines.cubicTo(74, 3, 86, 8, 94, 26);
-        outline.lines.addPath(cap(120, 16, 28, 68, 110));
-    }
+    outline.lines.moveTo(26, 26);
+    outline.lines.cubicTo(34, 8, 46, 3, 60, 3);
+    outline.lines.cubicTo(74, 3, 86, 8, 94, 26);
+    outline.lines.addPath(cap(120, 16, 28, 68, 110));
     return outline;
 }
 
@@ -120,12 +124,13 @@ SensorOutline massageHead()
     return outline;
 }
 
-SensorOutline array()
+SensorOutline array(int width)
 {
-    SensorOutline outline{{260, 136}, roundedRect(3, 2, 254, 122, 9), {}};
-    outline.lines.addPath(roundedRect(104, 124, 52, 11, 3));
+    SensorOutline outline{{width, 136}, roundedRect(3, 2, width - 6, 122, 9), {}};
+    const double plug = width / 2.0 - 26;
+    outline.lines.addPath(roundedRect(plug, 124, 52, 11, 3));
     for (int pin = 0; pin < 6; ++pin)
-        addLine(outline.lines, {112 + pin * 7.2, 128}, {112 + pin * 7.2, 132});
+        addLine(outline.lines, {plug + 8 + pin * 7.2, 128}, {plug + 8 + pin * 7.2, 132});
     return outline;
 }
 
@@ -135,9 +140,11 @@ SensorOutline sensorOutline(Outline outline)
 {
     switch (outline) {
     case Outline::Fingertip:
-        return fingertip(false);
+        return fingertip(120);
+    case Outline::WideFingertip:
+        return fingertip(232);
     case Outline::NailedFingertip:
-        return fingertip(true);
+        return nailedFingertip();
     case Outline::FingerPad:
         return fingerPad();
     case Outline::Palm:
@@ -147,7 +154,9 @@ SensorOutline sensorOutline(Outline outline)
     case Outline::MassageHead:
         return massageHead();
     case Outline::Array:
+        return array(260);
+    case Outline::WideArray:
         break;
     }
-    return array();
+    return array(404);
 }
