@@ -168,6 +168,7 @@ private Q_SLOTS:
     void nothingOverlaps();
     void barsCutTheirValues();
     void skeletonFollowsTheNormalForce();
+    void barsStandBesideOtherPages();
     void parentThatDiesDuringABox();
 };
 
@@ -301,6 +302,14 @@ void TestViewFamily::skeletonFollowsTheNormalForce()
     QCOMPARE(gauge->discBrush.color(), QColor(255, 145, 145));
     view.setYdds(0, 0.0F, 3.0F, 10);
     QCOMPARE(gauge->direction, uint16_t(0xFFFF));
+}
+
+void TestViewFamily::barsStandBesideOtherPages()
+{
+    ViewLayout layout = skeletonLayout();
+    layout.pages = kForcePage;
+    const fingerForm_null view(layout);
+    QVERIFY(view.findChild<QProgressBar *>(QStringLiteral("pbSProx_1")) != nullptr);
 }
 
 void TestViewFamily::parentThatDiesDuringABox()

@@ -77,9 +77,9 @@ void ViewForm::setupUi(QWidget *view, const QByteArray &viewClass, const ViewLay
         tabWidget->setObjectName(QStringLiteral("tabWidget"));
         addPages(viewClass, layout, bars);
         box->addWidget(tabWidget, 1);
-    } else if (bars != nullptr) {
-        box->addWidget(bars, besideEachOther ? 1 : 0);
     }
+    if (bars != nullptr && !layout.has(kProximityPage))
+        box->addWidget(bars, besideEachOther ? 1 : 0);
 }
 
 void ViewForm::addPages(const QByteArray &viewClass, const ViewLayout &layout, QWidget *bars)

@@ -75,15 +75,16 @@ constexpr ViewLayout kViewLayouts[] = {
 };
 // clang-format on
 
-constexpr bool boardPicturesHaveTabs()
+constexpr bool boardPicturesHaveTheirIndex()
 {
     for (const ViewLayout &each : kViewLayouts) {
-        if ((each.traits & kBoardPicture) != 0 && each.pages == kNoPages)
+        const bool onePageAtMost = (each.pages & (each.pages - 1)) == 0;
+        if ((each.traits & kBoardPicture) != 0 && onePageAtMost)
             return false;
     }
     return true;
 }
-static_assert(boardPicturesHaveTabs(), "a board picture is a page, so its view has pages");
+static_assert(boardPicturesHaveTheirIndex(), "a board picture stands behind two pages at least");
 
 /// Outside the table, so that no program id finds it.
 constexpr ViewLayout kSkeleton = {
