@@ -26,13 +26,14 @@ QPoint truncated(double x, double y)
     return {static_cast<int>(x), static_cast<int>(y)};
 }
 
-/// A disc with an outline of its own colour, one pixel wide: the same as a disc of half a pixel more, which is painted
-/// in half the time.
+/// A disc with an outline of its own colour, one pixel of the device wide: the same as a disc of half such a pixel more,
+/// which is painted in half the time.
 void drawPlainDisc(QPainter &painter, QPointF centre, int radius, const QColor &colour)
 {
+    const double withOutline = radius + 0.5 / painter.deviceTransform().m11();
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
-    painter.drawEllipse(centre, radius + 0.5, radius + 0.5);
+    painter.drawEllipse(centre, withOutline, withOutline);
 }
 
 QImage makeDisc(int radius, const QColor &colour, double pixelRatio)

@@ -38,11 +38,14 @@ QImage drawnArrow(int direction, float scale)
     return drawn(gauge);
 }
 
-/// Every pixel that lies wholly within the circle has the disc's colour, every one wholly outside is white.
+/// Every pixel that lies wholly within the circle has the disc's colour, every one wholly outside is white; those in
+/// between are covered so far that the area is that of the circle.
 void verifyDisc(const QImage &image, QPoint centre, double radius)
 {
+    double area = 0;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
+            area += (255.0 - image.pixelColor(x, y).green()) / (255 - kDisc.green());
             const double distance = std::hypot(x + 0.5 - centre.x(), y + 0.5 - centre.y());
             if (distance < radius - 1)
                 QCOMPARE(image.pixelColor(x, y), kDisc);
@@ -50,6 +53,7 @@ void verifyDisc(const QImage &image, QPoint centre, double radius)
                 QCOMPARE(image.pixelColor(x, y), QColor(Qt::white));
         }
     }
+    QVERIFY(std::abs(std::sqrt(area / M_PI) - radius) < 0.1);
 }
 
 bool isInk(const QColor &colour)
@@ -86,7 +90,7 @@ void TestGauges::discFillsItsCircle()
             const QPoint centre = QPoint(each.size.width() / 2, each.size.height() / 2) * pixelRatio;
             QCOMPARE(drawn(gauge, pixelRatio).pixelColor(centre), QColor(Qt::white));
             gauge.discBrush.setColor(kDisc);
-            verifyDisc(drawn(gauge, pixelRatio), centre, (each.radius + 0.5) * pixelRatio);
+            verifyDisc(drawn(gauge, pixelRatio), centre, each.radius * pixelRatio + 0.5);
         }
     }
 }
