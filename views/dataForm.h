@@ -20,8 +20,8 @@ public:
 
     /// Text of the value label. A text that it shows already costs nothing.
     void setValue(const QString &text);
-    /// Red for a touched channel, black otherwise. A colour that it has already costs nothing; before the first call the
-    /// label has the colour of the desktop.
+    /// Red for a touched channel, black otherwise. A colour that was set already costs nothing; before the first call the
+    /// label is as its form has it, black on white in every desktop theme.
     void setTouched(bool touched);
 
 Q_SIGNALS:
@@ -29,9 +29,9 @@ Q_SIGNALS:
     void si_en(unsigned char idx, bool on);
 
 private:
-    enum class ValueColour { Desktop, Touched, Untouched };
+    enum class ValueColour { OfForm, Touched, Untouched };
 
     std::unique_ptr<Ui::dataForm> ui;
     unsigned char idx;
-    ValueColour m_colour = ValueColour::Desktop;
+    ValueColour m_colour = ValueColour::OfForm;
 };
