@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -132,7 +133,7 @@ float channelForce(int32_t raw)
 } // namespace
 
 class_finger::class_finger(unsigned char prg, QWidget *view)
-    : class_finger(prg, view, FingerRows{finger_infos.data(), finger_infos.size()})
+    : class_finger(prg, view, FingerRows{finger_infos, std::size(finger_infos)})
 {}
 
 class_finger::class_finger(unsigned char prg, QWidget *view, const FingerRows &rows)
