@@ -36,6 +36,7 @@ void tst_commands::lookup_data()
     QTest::newRow("longest") << 0x7D << 94 << QStringLiteral("读取法向力标定参数");
     QTest::newRow("last row") << 0xA7 << 14 << QStringLiteral("读取芯片信息");
     QTest::newRow("works, but has no row") << 0xA6 << 0 << QString();
+    QTest::newRow("between two rows") << 0x49 << 0 << QString();
 }
 
 void tst_commands::lookup()

@@ -82,6 +82,16 @@ const QMap<int, int> kElsewhere{{60, 20},  {61, 21},  {62, 23},  {63, 24},  {64,
                                 {88, 85},  {91, 64},  {92, 64},  {93, 64},  {94, 64},  {97, 76},   {99, 52},
                                 {100, 54}, {104, 54}, {105, 54}, {106, 54}, {107, 54}, {103, 102}, {113, 19}};
 
+/// How the arrows of some views differ from all others, which show tangential force in directions below 360.
+struct ExpectedArrow
+{
+    bool byNormal; ///< and without a limit for the direction
+    int rotation;
+};
+const QMap<int, ExpectedArrow> kArrows{{17, {false, 90}},   {55, {false, 270}}, {56, {false, 270}},
+                                       {102, {false, 270}}, {83, {true, 0}},    {85, {true, 0}},
+                                       {86, {true, 0}},     {98, {true, 0}}};
+
 int viewNumber(int programId)
 {
     return kElsewhere.value(programId, programId);
@@ -164,6 +174,8 @@ private Q_SLOTS:
     void pagesInEnglish();
     void numbersAndShades_data() { addRows(false); }
     void numbersAndShades();
+    void arrows_data() { addRows(false); }
+    void arrows();
     void nothingOverlaps_data() { addRows(false); }
     void nothingOverlaps();
     void barsCutTheirValues();
@@ -243,6 +255,26 @@ void TestViewFamily::numbersAndShades()
     view.finger->setYdds(0, 20.5F, 1.234F, 77);
     QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 9, 9));
     QCOMPARE(view.gauge(1)->text(), QString());
+}
+
+void TestViewFamily::arrows()
+{
+    QFETCH(int, id);
+    const ViewProbe view = probe(id);
+    if (view.gauge(1) == nullptr || id == 18)
+        return;
+    const ExpectedArrow expected = kArrows.value(viewNumber(id));
+    const auto shown = [&view](float normal, float tangential, uint16_t direction) {
+        view.finger->setYdds(0, normal, tangential, direction);
+        return int(view.gauge(1)->direction);
+    };
+    const int turned = (359 + expected.rotation) % 360;
+    QCOMPARE(shown(0.01F, 0.0F, 359), expected.byNormal ? turned : 0xFFFF);
+    QCOMPARE(shown(0.0F, 0.01F, 359), expected.byNormal ? 0xFFFF : turned);
+    QCOMPARE(shown(0.01F, 0.01F, 0), expected.rotation);
+    for (const int direction : {360, 400})
+        QCOMPARE(shown(0.01F, 0.01F, static_cast<uint16_t>(direction)),
+                 expected.byNormal ? direction : 0xFFFF);
 }
 
 void TestViewFamily::nothingOverlaps()
