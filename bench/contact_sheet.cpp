@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QHash>
 #include <QPainter>
+#include <QSet>
 #include <QStyleFactory>
 #include <QTabWidget>
 #include <QTranslator>
@@ -175,7 +176,27 @@ QImage sheet(const QVector<Block> &blocks)
     return image;
 }
 
-/// The image in its 256 most frequent colours: a third of the file, and no surface changes its colour.
+/// The most frequent colours first, so that no surface changes its colour, and then a frequent one of each kind, so that
+/// none is drawn in one that is far from its own.
+QVector<QRgb> paletteOf(const QHash<QRgb, int> &counts)
+{
+    constexpr int kMostColours = 256;
+    constexpr int kSurfaces = 64;
+    constexpr QRgb kKind = 0xF8F8F8;
+    QVector<QRgb> colours = counts.keys().toVector();
+    std::sort(colours.begin(), colours.end(),
+              [&counts](QRgb one, QRgb other) { return counts.value(one) > counts.value(other); });
+    QVector<QRgb> table;
+    QSet<QRgb> kinds;
+    for (const QRgb colour : qAsConst(colours)) {
+        if (table.size() < kMostColours && (table.size() < kSurfaces || !kinds.contains(colour & kKind)))
+            table.append(colour);
+        kinds.insert(colour & kKind);
+    }
+    return table;
+}
+
+/// The image in 256 colours: a third of the file.
 QImage withFewColours(const QImage &image)
 {
     QHash<QRgb, int> counts;
@@ -184,11 +205,8 @@ QImage withFewColours(const QImage &image)
         for (int x = 0; x < image.width(); ++x)
             ++counts[line[x]];
     }
-    QVector<QRgb> table = counts.keys().toVector();
-    std::sort(table.begin(), table.end(),
-              [&counts](QRgb one, QRgb other) { return counts.value(one) > counts.value(other); });
-    table.resize(std::min(table.size(), 256));
-    return image.convertToFormat(QImage::Format_Indexed8, table, Qt::ThresholdDither | Qt::AvoidDither);
+    return image.convertToFormat(QImage::Format_Indexed8, paletteOf(counts),
+                                 Qt::ThresholdDither | Qt::AvoidDither);
 }
 
 QPalette darkPalette()
