@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QtGlobal>
 
 /// Lets a program measure without a display, unless its user has chosen one. To be called before the application is made.
