@@ -8,6 +8,7 @@
 
 namespace {
 
+/// Integers of the library have 32 bits, also where fewer would do and ours are shorter.
 struct Operations
 {
     decltype(&CH347OpenDevice) openDevice;
@@ -16,11 +17,12 @@ struct Operations
     decltype(&CH347SetDeviceNotify) setDeviceNotify;
     decltype(&CH347I2C_Set) i2cSet;
     decltype(&CH347I2C_SetStretch) i2cSetStretch;
-    decltype(&CH347I2C_SetDriverMode) i2cSetDriverMode;
+    uint32_t(TACTILE_VENDOR_CALL *i2cSetDriverMode)(uint32_t index, uint32_t mode);
     decltype(&CH347I2C_SetDelaymS) i2cSetDelayMs;
     decltype(&CH347StreamI2C) streamI2c;
-    decltype(&CH347GPIO_Set) gpioSet;
-    decltype(&CH347GPIO_Get) gpioGet;
+    uint32_t(TACTILE_VENDOR_CALL *gpioSet)(uint32_t index, uint32_t enable, uint32_t direction,
+                                           uint32_t data);
+    uint32_t(TACTILE_VENDOR_CALL *gpioGet)(uint32_t index, uint32_t *direction, uint32_t *data);
 };
 
 std::optional<Operations> loadOperations()
@@ -116,5 +118,12 @@ uint32_t TACTILE_VENDOR_CALL CH347GPIO_Set(uint32_t index, uint8_t enable, uint8
 
 uint32_t TACTILE_VENDOR_CALL CH347GPIO_Get(uint32_t index, uint8_t *direction, uint8_t *data)
 {
-    return library() ? library()->gpioGet(index, direction, data) : 0;
+    if (!library())
+        return 0;
+    uint32_t directions = 0;
+    uint32_t levels = 0;
+    const uint32_t result = library()->gpioGet(index, &directions, &levels);
+    *direction = static_cast<uint8_t>(directions);
+    *data = static_cast<uint8_t>(levels);
+    return result;
 }

@@ -115,9 +115,9 @@ STUB_EXPORT uint32_t CH347I2C_SetStretch(uint32_t index, uint32_t on)
     return 400 + index + on * 1000;
 }
 
-STUB_EXPORT uint32_t CH347I2C_SetDriverMode(uint32_t index, uint8_t mode)
+STUB_EXPORT uint32_t CH347I2C_SetDriverMode(uint32_t index, uint32_t mode)
 {
-    return 500 + index + mode * 1000U;
+    return 500 + index + mode * 1000;
 }
 
 STUB_EXPORT uint32_t CH347I2C_SetDelaymS(uint32_t index, uint32_t delayMs)
@@ -133,15 +133,15 @@ STUB_EXPORT uint32_t CH347StreamI2C(uint32_t index, uint32_t writeLength, const 
 }
 
 #ifndef STUB_WITHOUT_GPIO
-STUB_EXPORT uint32_t CH347GPIO_Set(uint32_t index, uint8_t enable, uint8_t direction, uint8_t data)
+STUB_EXPORT uint32_t CH347GPIO_Set(uint32_t index, uint32_t enable, uint32_t direction, uint32_t data)
 {
-    return 800 + index + enable * 1000U + direction * 10000U + data * 100000U;
+    return 800 + index + enable * 1000 + direction * 10000 + data * 100000;
 }
 #endif
 
-STUB_EXPORT uint32_t CH347GPIO_Get(uint32_t index, uint8_t *direction, uint8_t *data)
+STUB_EXPORT uint32_t CH347GPIO_Get(uint32_t index, uint32_t *direction, uint32_t *data)
 {
-    *direction = 0x12;
-    *data = 0x34;
+    *direction = 0xAAAAAA12;
+    *data = 0xBBBBBB34;
     return 900 + index;
 }
