@@ -60,7 +60,8 @@ bool class_uart::canBeOpened(const QString &name)
 {
     port->setPortName(name);
     const bool opened = port->open(QIODevice::ReadWrite);
-    port->close();
+    if (opened)
+        port->close();
     return opened;
 }
 

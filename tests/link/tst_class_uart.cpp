@@ -135,6 +135,11 @@ void tst_class_uart::lists()
     QCOMPARE(lists[0][0].toStringList(), vendor().portNames);
     QCOMPARE(lists[1][0].toStringList(), QStringList(terminal.name()));
     QVERIFY(!link.port->isOpen());
+    // What has not been opened is not closed, a port in use least of all.
+    QCOMPARE(link.port->error(), QSerialPort::DeviceNotFoundError);
+    QVERIFY(link.open(terminal.name(), 115200));
+    link.scan(true);
+    QVERIFY(link.port->isOpen());
 }
 
 void tst_class_uart::lossByPermissionErrorOnly()
