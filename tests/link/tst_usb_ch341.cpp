@@ -194,7 +194,8 @@ void tst_usb_ch341::permissionRefused()
     }
     QCOMPARE(log.lines(), QStringList(QStringLiteral(
                               "no permission to use the bridge at /dev/bus/usb/001/012: install the rules "
-                              "file 61-tactile-bridges-uaccess.rules, then plug the bridge in again")));
+                              "files 60-tactile-bridges.rules and 61-tactile-bridges-uaccess.rules, then "
+                              "plug the bridge in again")));
     QVERIFY(isHandle(CH341OpenDevice(0)));
 }
 

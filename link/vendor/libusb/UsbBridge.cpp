@@ -50,8 +50,8 @@ void logRefusal(libusb_device *device, int error)
 {
     const std::string node = nodeOf(device);
     if (error == LIBUSB_ERROR_ACCESS)
-        qWarning("no permission to use the bridge at %s: install the rules file "
-                 "61-tactile-bridges-uaccess.rules, then plug the bridge in again",
+        qWarning("no permission to use the bridge at %s: install the rules files 60-tactile-bridges.rules "
+                 "and 61-tactile-bridges-uaccess.rules, then plug the bridge in again",
                  node.c_str());
     else
         qWarning("the bridge at %s cannot be used: %s", node.c_str(), libusb_error_name(error));
