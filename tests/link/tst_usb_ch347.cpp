@@ -41,7 +41,7 @@ private Q_SLOTS:
     void longTransfers_data();
     void longTransfers();
     void pins();
-    void permissionRefused();
+    void refusals();
     void timeOutAndUnplugDuringRead();
 
 private:
@@ -185,7 +185,7 @@ void tst_usb_ch347::pins()
     QCOMPARE(CH347GPIO_Get(1, &direction, &levels), 0U);
 }
 
-void tst_usb_ch347::permissionRefused()
+void tst_usb_ch347::refusals()
 {
     Bridge bridge(m_bus);
     auto &[chip, device] = bridge;
@@ -197,6 +197,18 @@ void tst_usb_ch347::permissionRefused()
     }
     QVERIFY(log.lines()[0].startsWith(
         QLatin1String("no permission to use the bridge at /dev/bus/usb/001/012: ")));
+
+    // One that the system has not configured, and one whose packets would have no bytes.
+    umockdev_testbed_set_attribute(m_bus.testbed(), FakeUsbBus::sysPath("1-1").c_str(), "bConfigurationValue",
+                                   "");
+    QVERIFY(!isHandle(CH347OpenDevice(0)));
+    QVERIFY(log.lines()[1].endsWith(QLatin1String("001/012 cannot be used: LIBUSB_ERROR_NOT_FOUND")));
+    device.unplug();
+    FakeCh347Chip voiceless(0x55DB, 0);
+    FakeUsbDevice empty(m_bus, "1-1", 12, voiceless);
+    empty.plug();
+    QVERIFY(!isHandle(CH347OpenDevice(0)));
+    QVERIFY(log.lines()[2].endsWith(QLatin1String("001/012 cannot be used: LIBUSB_ERROR_NOT_SUPPORTED")));
 }
 
 void tst_usb_ch347::timeOutAndUnplugDuringRead()

@@ -16,34 +16,44 @@ struct ConfigDeleter
 };
 using ConfigPointer = std::unique_ptr<libusb_config_descriptor, ConfigDeleter>;
 
-bool hasBulkEndpoint(const libusb_interface_descriptor &description, uint8_t address)
+/// The interface through which a bridge is spoken to.
+struct BridgeInterface
+{
+    int number = 0;
+    size_t packetSize = 0; ///< of the endpoint that is read, in bytes
+};
+
+/// Packet size of a bulk endpoint, 0 when the interface has none at that address.
+size_t bulkPacketSize(const libusb_interface_descriptor &description, uint8_t address)
 {
     for (int i = 0; i < description.bNumEndpoints; ++i) {
         const libusb_endpoint_descriptor &endpoint = description.endpoint[i];
         const int type = endpoint.bmAttributes & LIBUSB_TRANSFER_TYPE_MASK;
         if (endpoint.bEndpointAddress == address && type == LIBUSB_TRANSFER_TYPE_BULK)
-            return true;
+            return endpoint.wMaxPacketSize;
     }
-    return false;
+    return 0;
 }
 
-/// Number of the interface that speaks the bridge's own protocol, -1 when the device has none. The others, such as those of
-/// its serial ports, belong to the kernel.
-int bridgeInterfaceOf(libusb_device *device, BridgeEndpoints endpoints)
+/// Looks for the interface that speaks the bridge's own protocol. The others, such as those of its serial ports, belong to
+/// the kernel. Returns a result of libusb.
+int findInterface(libusb_device *device, BridgeEndpoints endpoints, BridgeInterface &found)
 {
-    libusb_config_descriptor *found = nullptr;
-    if (libusb_get_active_config_descriptor(device, &found) != LIBUSB_SUCCESS)
-        return -1;
-    const ConfigPointer config(found);
+    libusb_config_descriptor *active = nullptr;
+    const int result = libusb_get_active_config_descriptor(device, &active);
+    if (result != LIBUSB_SUCCESS)
+        return result;
+    const ConfigPointer config(active);
     for (int i = 0; i < config->bNumInterfaces; ++i) {
         if (config->interface[i].num_altsetting < 1)
             continue;
         const libusb_interface_descriptor &description = config->interface[i].altsetting[0];
-        if (description.bInterfaceClass == LIBUSB_CLASS_VENDOR_SPEC &&
-            hasBulkEndpoint(description, endpoints.out) && hasBulkEndpoint(description, endpoints.in))
-            return description.bInterfaceNumber;
+        found = {description.bInterfaceNumber, bulkPacketSize(description, endpoints.in)};
+        if (description.bInterfaceClass == LIBUSB_CLASS_VENDOR_SPEC && found.packetSize != 0 &&
+            bulkPacketSize(description, endpoints.out) != 0)
+            return LIBUSB_SUCCESS;
     }
-    return -1;
+    return LIBUSB_ERROR_NOT_SUPPORTED;
 }
 
 void logRefusal(libusb_device *device, int error)
@@ -62,29 +72,29 @@ void logRefusal(libusb_device *device, int error)
 std::unique_ptr<UsbBridge> UsbBridge::open(libusb_device *device, BridgeFamily family)
 {
     const BridgeEndpoints endpoints = endpointsOf(family);
-    const int interfaceNumber = bridgeInterfaceOf(device, endpoints);
-    if (interfaceNumber < 0) {
-        logRefusal(device, LIBUSB_ERROR_NOT_SUPPORTED);
-        return nullptr;
-    }
+    BridgeInterface found;
     libusb_device_handle *handle = nullptr;
-    int result = libusb_open(device, &handle);
+    int result = findInterface(device, endpoints, found);
+    if (result == LIBUSB_SUCCESS)
+        result = libusb_open(device, &handle);
     if (result == LIBUSB_SUCCESS) {
         libusb_set_auto_detach_kernel_driver(handle, 1);
-        result = libusb_claim_interface(handle, interfaceNumber);
+        result = libusb_claim_interface(handle, found.number);
         if (result == LIBUSB_SUCCESS)
-            return std::unique_ptr<UsbBridge>(new UsbBridge(handle, interfaceNumber, endpoints));
+            return std::unique_ptr<UsbBridge>(
+                new UsbBridge(handle, found.number, endpoints, found.packetSize));
         libusb_close(handle);
     }
     logRefusal(device, result);
     return nullptr;
 }
 
-UsbBridge::UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints)
+UsbBridge::UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints,
+                     size_t packetSize)
     : m_handle(handle)
     , m_interface(interfaceNumber)
     , m_endpoints(endpoints)
-    , m_packetSize(static_cast<size_t>(libusb_get_max_packet_size(libusb_get_device(handle), endpoints.in)))
+    , m_packetSize(packetSize)
 {}
 
 UsbBridge::~UsbBridge()

@@ -18,7 +18,7 @@ public:
     UsbBridge &operator=(const UsbBridge &) = delete;
 
     libusb_device *device() const { return libusb_get_device(m_handle); }
-    /// Longest packet that the bridge sends, in bytes.
+    /// Longest packet that the bridge sends, in bytes; never 0.
     size_t packetSize() const { return m_packetSize; }
 
     /// True when all bytes have gone out.
@@ -37,7 +37,8 @@ public:
     static constexpr std::chrono::milliseconds kTimeLimit{1000};
 
 private:
-    UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints);
+    UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints,
+              size_t packetSize);
 
     libusb_device_handle *m_handle;
     int m_interface;
