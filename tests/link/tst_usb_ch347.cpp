@@ -73,6 +73,10 @@ void tst_usb_ch347::listsBridges()
     link.scan();
     QCOMPARE(log.lines().constLast(), QStringLiteral("ch347: QVector(1021, 1022, 1004)"));
     QCOMPARE(first.claimedInterface, -1);
+    // In one mode the clock line is a pin, which is made high; the pins of the others are left alone.
+    QCOMPARE(hexOf(jtagI2c.transfers[0]), QByteArray("CC0800000000F800000000"));
+    for (const FakeCh347Chip *chip : {&uartSpiI2c, &everything})
+        QCOMPARE(hexOf(chip->transfers[0]), QByteArray("CC08000000000000000000"));
     QVERIFY(link.open(1022));
     QCOMPARE(second.claimedInterface, 2);
     // A list in between takes the bridge away from the link that has it open.

@@ -19,6 +19,7 @@ constexpr uint8_t kPinCount = 8;
 constexpr uint8_t kChangePin = 0xC0;
 constexpr uint8_t kMakeOutput = 0x30;
 constexpr uint8_t kMakeHigh = 0x08;
+constexpr unsigned kClockPin = 3;
 constexpr uint8_t kIsOutput = 0x80;
 constexpr uint8_t kIsHigh = 0x40;
 constexpr std::chrono::milliseconds kFirstAnswerLimit{250};
@@ -34,11 +35,14 @@ constexpr size_t kPinFrameSize = 11; ///< command, length in two bytes, one byte
 Ch347Chip::Ch347Chip(std::unique_ptr<UsbBridge> usb)
     : m_usb(std::move(usb))
 {
-    // The first answer after power-up can be rubbish, so that one question is asked for the sake of asking.
-    const Pins leaveAlone = {};
+    // The first answer after power-up can be rubbish, so the pins are asked for once without need. In one mode there is
+    // need: the clock line of the bus shares its pin with them, and the pin has to be high first.
+    Pins request = {};
+    if (productOf(m_usb->device()) == kCh347JtagProduct)
+        request[kClockPin] = kChangePin | kMakeOutput | kMakeHigh;
     Pins ignored = {};
-    if (!exchangePins(leaveAlone, ignored, kFirstAnswerLimit))
-        exchangePins(leaveAlone, ignored, kFirstAnswerLimit);
+    if (!exchangePins(request, ignored, kFirstAnswerLimit))
+        exchangePins(request, ignored, kFirstAnswerLimit);
 }
 
 bool Ch347Chip::setSpeed(uint8_t mode)

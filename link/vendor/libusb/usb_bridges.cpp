@@ -12,9 +12,17 @@ namespace {
 
 constexpr uint16_t kVendorId = 0x1A86;
 constexpr uint16_t kCh341Product = 0x5512;
-constexpr std::array<uint16_t, 3> kCh347Products = {0x55DB, 0x55DD, 0x55DE};
+constexpr std::array<uint16_t, 3> kCh347Products = {0x55DB, kCh347JtagProduct, 0x55DE};
 
 using PortPath = std::vector<uint8_t>;
+
+/// All zero when the device cannot tell.
+libusb_device_descriptor descriptorOf(libusb_device *device)
+{
+    libusb_device_descriptor descriptor = {};
+    return libusb_get_device_descriptor(device, &descriptor) == LIBUSB_SUCCESS ? descriptor
+                                                                               : libusb_device_descriptor{};
+}
 
 PortPath portPathOf(libusb_device *device)
 {
@@ -43,14 +51,18 @@ BridgeEndpoints endpointsOf(BridgeFamily family)
 
 bool isBridge(libusb_device *device, BridgeFamily family)
 {
-    libusb_device_descriptor descriptor = {};
-    if (libusb_get_device_descriptor(device, &descriptor) != LIBUSB_SUCCESS ||
-        descriptor.idVendor != kVendorId)
+    const libusb_device_descriptor descriptor = descriptorOf(device);
+    if (descriptor.idVendor != kVendorId)
         return false;
     if (family == BridgeFamily::Ch341)
         return descriptor.idProduct == kCh341Product;
     return std::find(kCh347Products.begin(), kCh347Products.end(), descriptor.idProduct) !=
            kCh347Products.end();
+}
+
+uint16_t productOf(libusb_device *device)
+{
+    return descriptorOf(device).idProduct;
 }
 
 std::vector<UsbDevicePointer> pluggedBridges(BridgeFamily family)

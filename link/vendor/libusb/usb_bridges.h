@@ -22,6 +22,10 @@ struct BridgeEndpoints
 
 BridgeEndpoints endpointsOf(BridgeFamily family);
 
+/// Product id of the CH347 mode with JTAG instead of SPI.
+constexpr uint16_t kCh347JtagProduct = 0x55DD;
+uint16_t productOf(libusb_device *device);
+
 /// True when the device is a bridge of the family, in a mode that offers the I2C bus.
 bool isBridge(libusb_device *device, BridgeFamily family);
 
