@@ -77,18 +77,24 @@ void tst_usb_ch341::names()
     FakeUsbDevice onHubPort1(m_bus, "1-2.1", 11, chip);
     FakeUsbDevice onRootPort(m_bus, "1-1", 12, chip);
     FakeUsbDevice other(m_bus, "1-3", 13, otherChip);
-    for (FakeUsbDevice *device : {&onHubPort3, &other, &onHubPort1, &onRootPort})
+    FakeUsbDevice onPort21(m_bus, "1-21", 14, chip);
+    FakeUsbDevice onPort22(m_bus, "1-22", 15, chip);
+    for (FakeUsbDevice *device : {&onHubPort3, &other, &onPort22, &onHubPort1, &onPort21, &onRootPort})
         device->plug();
     QCOMPARE(CH341GetDeviceName(0), "usb#VID_1A86&PID_5512#1&0&0&1#/dev/bus/usb/001/012");
     QCOMPARE(CH341GetDeviceName(1), "usb#VID_1A86&PID_5512#1&0&0&21#/dev/bus/usb/001/011");
     QCOMPARE(CH341GetDeviceName(2), "usb#VID_1A86&PID_5512#1&0&0&23#/dev/bus/usb/001/010");
-    QVERIFY(CH341GetDeviceName(3) == nullptr);
+    QVERIFY(CH341GetDeviceName(5) == nullptr);
     QVERIFY(CH341GetDeviceName(16) == nullptr);
 
     LogCapture log;
     class_ch341 link;
     link.scan();
-    QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1021, 1023)"));
+    // Port 21 has the digits of port 1 of the hub in port 2, and leaves those of others alone.
+    QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1021, 1023, 1024, 1022)"));
+    onHubPort1.unplug();
+    link.scan();
+    QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1023, 1021, 1022)"));
 }
 
 void tst_usb_ch341::streams()

@@ -19,7 +19,7 @@ Ch341Table &table()
 /// The fields that the ids of the bridges are made of are the first and the fourth of the part between the last two '#'.
 std::string pathOf(libusb_device *device)
 {
-    const unsigned id = portIdOf(device);
+    const unsigned id = portIdOf(device, BridgeFamily::Ch341);
     return "usb#VID_1A86&PID_5512#" + std::to_string(id / 1000) + "&0&0&" + std::to_string(id % 1000) + '#' +
            nodeOf(device);
 }

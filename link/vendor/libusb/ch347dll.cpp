@@ -44,8 +44,8 @@ uint32_t TACTILE_VENDOR_CALL CH347GetDeviceInfor(uint32_t index, CH347DeviceInfo
 {
     return table().run(index, [info](Ch347Chip &chip) {
         // The id of a bridge is the hexadecimal field; its decimal value shows bus and port.
-        std::snprintf(info->bytes, sizeof info->bytes, "usb#VID_1A86&%X#%s", portIdOf(chip.device()),
-                      nodeOf(chip.device()).c_str());
+        std::snprintf(info->bytes, sizeof info->bytes, "usb#VID_1A86&%X#%s",
+                      portIdOf(chip.device(), BridgeFamily::Ch347), nodeOf(chip.device()).c_str());
         return true;
     });
 }

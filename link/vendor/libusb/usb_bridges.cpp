@@ -7,9 +7,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <set>
 
 namespace {
 
+constexpr unsigned kIdsOfBus = 1000;
 constexpr uint16_t kVendorId = 0x1A86;
 constexpr uint16_t kCh341Product = 0x5512;
 constexpr std::array<uint16_t, 3> kCh347Products = {0x55DB, kCh347JtagProduct, 0x55DE};
@@ -40,6 +42,21 @@ bool isPluggedBefore(const UsbDevicePointer &left, const UsbDevicePointer &right
     if (leftBus != rightBus)
         return leftBus < rightBus;
     return portPathOf(left.get()) < portPathOf(right.get());
+}
+
+/// Bus and ports as they are, the same for several ports of a bus when those are many or deep.
+unsigned plainPortId(libusb_device *device)
+{
+    unsigned ports = 0;
+    for (const uint8_t port : portPathOf(device))
+        ports = ports * (port < 10 ? 10 : 100) + port;
+    return libusb_get_bus_number(device) * kIdsOfBus + ports % kIdsOfBus;
+}
+
+/// The id after another, around within those of its bus.
+unsigned nextPortId(unsigned id)
+{
+    return id / kIdsOfBus * kIdsOfBus + (id + 1) % kIdsOfBus;
 }
 
 } // namespace
@@ -81,12 +98,23 @@ std::vector<UsbDevicePointer> pluggedBridges(BridgeFamily family)
     return bridges;
 }
 
-unsigned portIdOf(libusb_device *device)
+unsigned portIdOf(libusb_device *device, BridgeFamily family)
 {
-    unsigned ports = 0;
-    for (const uint8_t port : portPathOf(device))
-        ports = ports * (port < 10 ? 10 : 100) + port;
-    return libusb_get_bus_number(device) * 1000U + ports % 1000U;
+    const std::vector<UsbDevicePointer> bridges = pluggedBridges(family);
+    std::set<unsigned> claimed;
+    for (const UsbDevicePointer &bridge : bridges)
+        claimed.insert(plainPortId(bridge.get()));
+    std::set<unsigned> kept;
+    for (const UsbDevicePointer &bridge : bridges) {
+        unsigned id = plainPortId(bridge.get());
+        if (!kept.insert(id).second) {
+            while (!claimed.insert(id).second)
+                id = nextPortId(id);
+        }
+        if (bridge.get() == device)
+            return id;
+    }
+    return plainPortId(device);
 }
 
 std::string nodeOf(libusb_device *device)
