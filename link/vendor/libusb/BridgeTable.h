@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/vendor/libusb/UsbBridge.h"
+#include "link/vendor/libusb/usb_context.h"
 
 #include <array>
 #include <memory>
@@ -13,6 +14,9 @@ class BridgeTable
 {
 public:
     using ChipPointer = std::shared_ptr<Chip>;
+
+    /// Of statics the one made first goes last, and the context has to outlive the bridges that are still open.
+    BridgeTable() { transferContext(); }
 
     /// Null when the index is not open. A transfer in progress keeps its chip alive, whoever closes the index.
     ChipPointer chip(uint32_t index)
