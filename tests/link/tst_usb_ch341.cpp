@@ -187,6 +187,14 @@ void tst_usb_ch341::resetFlushAndTimeOut()
     QVERIFY(clock.elapsed() < 20000);
     device.isDeaf = false;
     QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray("0001"));
+
+    // A reset that leaves the handle dead: the bridge is opened anew, at the speed it had.
+    device.isDeaf = true;
+    device.reappears = true;
+    chip.transfers.clear();
+    QVERIFY(CH341ResetDevice(0) != 0);
+    QCOMPARE(hexOf(chip.transfers), (QList<QByteArray>{"AA6100", "AA6300"}));
+    QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray("0001"));
 }
 
 void tst_usb_ch341::permissionRefused()

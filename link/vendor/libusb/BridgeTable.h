@@ -35,13 +35,20 @@ public:
         if (present != nullptr && present->device() == device.get())
             return present;
         close(index);
-        std::unique_ptr<UsbBridge> usb = UsbBridge::open(device.get(), Chip::kFamily);
-        if (usb == nullptr)
-            return nullptr;
-        ChipPointer opened = std::make_shared<Chip>(std::move(usb));
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        m_chips[index] = opened;
-        return opened;
+        return openDevice(index, device.get());
+    }
+
+    /// Closes the bridge that is open at the index and opens the one that is in its place now, if any.
+    void reopen(uint32_t index)
+    {
+        ChipPointer present = chip(index);
+        if (present == nullptr)
+            return;
+        const UsbDevicePointer device = bridgeInPlaceOf(present->device(), Chip::kFamily);
+        present.reset();
+        close(index);
+        if (device != nullptr)
+            openDevice(index, device.get());
     }
 
     void close(uint32_t index)
@@ -69,6 +76,17 @@ public:
     }
 
 private:
+    ChipPointer openDevice(uint32_t index, libusb_device *device)
+    {
+        std::unique_ptr<UsbBridge> usb = UsbBridge::open(device, Chip::kFamily);
+        if (usb == nullptr)
+            return nullptr;
+        ChipPointer opened = std::make_shared<Chip>(std::move(usb));
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_chips[index] = opened;
+        return opened;
+    }
+
     std::mutex m_mutex; // guards m_chips
     std::array<ChipPointer, Count> m_chips;
 };

@@ -2,6 +2,7 @@
 
 #include "link/vendor/libusb/UsbBridge.h"
 
+#include <atomic>
 #include <mutex>
 
 /// An open CH341. Operations return true on success; each is a whole, whichever threads call.
@@ -14,12 +15,14 @@ public:
 
     libusb_device *device() const { return m_usb->device(); }
 
-    /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB device.
+    /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB device. After a
+    /// failure the bridge has to be opened anew.
     bool reset();
     bool flush();
 
     /// I2C clock, mode 0 to 3.
     bool setSpeed(uint32_t mode);
+    uint32_t speedMode() const { return m_speedMode; }
 
     bool write(const uint8_t *stream, size_t length);
     /// Sends a stream and collects what it reads, at most capacity bytes. Returns the count, 0 when an answer stayed out.
@@ -36,5 +39,5 @@ private:
 
     std::mutex m_mutex; // one operation at a time on the bridge
     std::unique_ptr<UsbBridge> m_usb;
-    uint8_t m_speedMode = 1;
+    std::atomic<uint8_t> m_speedMode{1};
 };

@@ -31,7 +31,8 @@ public:
     /// Throws away what the bridge still has to say.
     void drain();
 
-    /// Makes the bridge start afresh as if it had been plugged in.
+    /// Makes the bridge start afresh as if it had been plugged in. On failure it may have been taken for a new one, which
+    /// leaves this one dead.
     bool reset();
 
     static constexpr std::chrono::milliseconds kTimeLimit{1000};

@@ -39,7 +39,16 @@ void TACTILE_VENDOR_CALL CH341CloseDevice(uint32_t index)
 
 uint32_t TACTILE_VENDOR_CALL CH341ResetDevice(uint32_t index)
 {
-    return table().run(index, [](Ch341Chip &chip) { return chip.reset(); });
+    uint32_t speedMode = 0;
+    const auto reset = [&speedMode](Ch341Chip &chip) {
+        speedMode = chip.speedMode();
+        return chip.reset();
+    };
+    if (table().run(index, reset) != 0)
+        return 1;
+    // The reset may have left the bridge as one newly plugged in, with which the old handle has nothing to do.
+    table().reopen(index);
+    return table().run(index, [speedMode](Ch341Chip &chip) { return chip.setSpeed(speedMode); });
 }
 
 uint32_t TACTILE_VENDOR_CALL CH341FlushBuffer(uint32_t index)

@@ -98,6 +98,16 @@ std::vector<UsbDevicePointer> pluggedBridges(BridgeFamily family)
     return bridges;
 }
 
+UsbDevicePointer bridgeInPlaceOf(libusb_device *device, BridgeFamily family)
+{
+    for (UsbDevicePointer &bridge : pluggedBridges(family)) {
+        if (libusb_get_bus_number(bridge.get()) == libusb_get_bus_number(device) &&
+            portPathOf(bridge.get()) == portPathOf(device))
+            return std::move(bridge);
+    }
+    return nullptr;
+}
+
 unsigned portIdOf(libusb_device *device, BridgeFamily family)
 {
     const std::vector<UsbDevicePointer> bridges = pluggedBridges(family);

@@ -39,6 +39,9 @@ using UsbDevicePointer = std::unique_ptr<libusb_device, UsbDeviceDeleter>;
 /// The bridges of the family that are plugged in now, ordered by the ports they are plugged into.
 std::vector<UsbDevicePointer> pluggedBridges(BridgeFamily family);
 
+/// The bridge of the family that is plugged in where a device is or was; null when there is none.
+UsbDevicePointer bridgeInPlaceOf(libusb_device *device, BridgeFamily family);
+
 /// Bus number times 1000 plus the last three digits of the port numbers on the way to the device written one after another:
 /// port 4 of a hub in port 1 of bus 3 is 3014. The same for a given port of the machine, whatever is plugged in there, and
 /// different for all bridges of a family that are plugged in. Where two ports have the same digits (port 11, and port 1 of

@@ -155,7 +155,9 @@ int FakeUsbDevice::answer(unsigned long request, UMockdevIoctlData *argument)
 {
     if (request == USBDEVFS_REAPURB || request == USBDEVFS_REAPURBNDELAY)
         return reap(argument);
-    if (m_isGone)
+    if (request == USBDEVFS_GET_CAPABILITIES) // the first thing that is asked of a node that has been opened
+        m_hasReappeared = false;
+    if (m_isGone || m_hasReappeared)
         return ENODEV;
     switch (request) {
     case USBDEVFS_GET_CAPABILITIES:
@@ -175,7 +177,9 @@ int FakeUsbDevice::answer(unsigned long request, UMockdevIoctlData *argument)
     case USBDEVFS_RESET:
         ++resets;
         m_answers.clear();
-        return 0;
+        m_hasReappeared = reappears;
+        isDeaf = isDeaf && !reappears;
+        return reappears ? ENODEV : 0;
     case USBDEVFS_CLEAR_HALT:
     case USBDEVFS_SETINTERFACE:
         return 0;

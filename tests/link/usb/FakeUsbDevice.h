@@ -40,6 +40,7 @@ public:
     // Faults, to be set at any time.
     std::atomic<bool> isDeaf{false};     ///< nothing is ever answered
     std::atomic<bool> kernelOwns{false}; ///< a kernel driver holds the interface
+    std::atomic<bool> reappears{false};  ///< after a reset it hears again, but only whoever opens it anew
 
     // What has happened.
     std::atomic<int> claimedInterface{-1};
@@ -81,6 +82,7 @@ private:
     std::list<Transfer> m_transfers;
     std::deque<Bytes> m_answers;
     bool m_isGone = true;
+    bool m_hasReappeared = false;
     int m_fifo = -1;
     bool m_isReady = false;
 };
