@@ -59,7 +59,10 @@ FakeUsbDevice::FakeUsbDevice(FakeUsbBus &bus, const std::string &name, int addre
 
 FakeUsbDevice::~FakeUsbDevice()
 {
-    if (!m_isGone)
+    std::unique_lock<std::mutex> lock(m_mutex); // the client is answered a moment before the answering ends
+    const bool isPlugged = !m_isGone;
+    lock.unlock();
+    if (isPlugged)
         unplug();
     g_object_unref(m_handler);
     for (Transfer &transfer : m_transfers)
