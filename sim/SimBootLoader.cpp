@@ -359,8 +359,8 @@ void SimBootLoader::obeyLastHeader(SimTime now)
 // The block before the one expected comes again when its acknowledgement was lost.
 void SimBootLoader::obeyBlock(uint8_t sequence, const QByteArray &data, SimTime now)
 {
-    const bool awaited = m_state == State::AwaitFirstBlock || m_state == State::AwaitBlock;
-    if (awaited && sequence == m_sequence) {
+    const bool receives = m_state == State::AwaitFirstBlock || m_state == State::AwaitBlock;
+    if (receives && m_image.size() < m_size && sequence == m_sequence) {
         m_image += data.left(m_size - m_image.size());
         ++m_sequence;
         m_state = State::AwaitBlock;

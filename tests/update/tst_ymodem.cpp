@@ -83,11 +83,18 @@ void tst_ymodem::framesOfATransfer_data()
                                    header("612E62696E0031", "0047000000"),
                                    frame("0101FE", QByteArray("U").leftJustified(128, 0x1A), "20B2000000"),
                                    end, nullHeader};
+    QTest::newRow("128 bytes: one full small block")
+        << QByteArray(128, 'U')
+        << QList<QByteArray>{header("612E62696E00313238", "198F000000"),
+                             frame("0101FE", QByteArray(128, 'U'), "5B67000000"), end, nullHeader};
     QTest::newRow("500 bytes: the tail of the first large block is zeros")
         << QByteArray(500, 'U')
         << QList<QByteArray>{header("612E62696E00353030", "899C000000"),
                              frame("0201FE", QByteArray(500, 'U').leftJustified(1024, '\0'), "2525000000"),
                              end, nullHeader};
+    QTest::newRow("1024 bytes: one full large block")
+        << QByteArray(1024, 'U')
+        << QList<QByteArray>{header("612E62696E0031303234", "BC73000000"), firstOfTwo, end, nullHeader};
     QTest::newRow("1100 bytes: large and small block")
         << QByteArray(1100, 'U')
         << QList<QByteArray>{header("612E62696E0031313030", "6172000000"), firstOfTwo,
