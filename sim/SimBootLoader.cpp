@@ -164,7 +164,8 @@ QByteArray SimBootLoader::takeDue(SimTime now)
         bytes.append(kPrompt);
         m_nextPrompt = now + kPromptInterval;
     }
-    finishWhenDone();
+    if (!bytes.isEmpty())
+        finishWhenDone();
     return bytes;
 }
 

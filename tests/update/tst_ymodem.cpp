@@ -324,17 +324,22 @@ void tst_ymodem::ownerCancels()
 
 void tst_ymodem::heldUpAtEveryFrame()
 {
+    const auto holdUp = [](SimBootAct act, int at, bool isSerial) {
+        SimBootLoader loader;
+        loader.schedule(act, at);
+        SenderBench bench(pattern(1300), &loader);
+        bench.isSerial = isSerial;
+        QVERIFY(bench.runToEnd());
+        QCOMPARE(bench.successes.count(), 1);
+        QVERIFY(loader.image() == pattern(1300));
+        QCOMPARE(bench.writes.size(), 6);
+        QCOMPARE(bench.writes.at(at + 1), bench.writes.at(at));
+    };
     for (int at = 0; at < 5; ++at) {
         for (const SimBootAct act :
              {SimBootAct::Nak, SimBootAct::Silence, SimBootAct::LostAck, SimBootAct::Rubbish}) {
-            SimBootLoader loader;
-            loader.schedule(act, at);
-            SenderBench bench(pattern(1300), &loader);
-            QVERIFY(bench.runToEnd());
-            QCOMPARE(bench.successes.count(), 1);
-            QVERIFY(loader.image() == pattern(1300));
-            QCOMPARE(bench.writes.size(), 6);
-            QCOMPARE(bench.writes.at(at + 1), bench.writes.at(at));
+            holdUp(act, at, false);
+            holdUp(act, at, true);
         }
     }
 }
