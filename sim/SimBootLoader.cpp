@@ -236,14 +236,14 @@ bool SimBootLoader::takeFrame(SimTime now)
 void SimBootLoader::handle(const QByteArray &frame, SimTime now)
 {
     m_replies.clear();
-    if (!actOn(frame, now))
+    const int number = m_frames++; // before a restart, which counts anew
+    if (!actOn(number, frame, now))
         obey(frame, now);
-    ++m_frames;
 }
 
-bool SimBootLoader::actOn(const QByteArray &frame, SimTime now)
+bool SimBootLoader::actOn(int number, const QByteArray &frame, SimTime now)
 {
-    const std::optional<SimBootAct> act = plannedAct();
+    const std::optional<SimBootAct> act = plannedAct(number);
     if (!act)
         return false;
     switch (*act) {
@@ -270,10 +270,10 @@ bool SimBootLoader::actOn(const QByteArray &frame, SimTime now)
     return true;
 }
 
-std::optional<SimBootAct> SimBootLoader::plannedAct()
+std::optional<SimBootAct> SimBootLoader::plannedAct(int number)
 {
     for (Plan &plan : m_plans) {
-        if (m_frames >= plan.frame && plan.times > 0) {
+        if (number >= plan.frame && plan.times > 0) {
             --plan.times;
             return plan.act;
         }

@@ -87,8 +87,8 @@ private:
     void collect(const QByteArray &bytes, SimTime now);
     bool takeFrame(SimTime now);
     void handle(const QByteArray &frame, SimTime now);
-    bool actOn(const QByteArray &frame, SimTime now);
-    std::optional<SimBootAct> plannedAct();
+    bool actOn(int number, const QByteArray &frame, SimTime now);
+    std::optional<SimBootAct> plannedAct(int number);
     void obey(const QByteArray &frame, SimTime now);
     bool isHeader(const QByteArray &frame) const;
     void obeyHeader(const QByteArray &data, SimTime now);

@@ -163,6 +163,9 @@ void tst_sim_boot_loader::actsByScript()
     QCOMPARE(exchange(blocks.at(1)), '\x7E');
     QCOMPARE(read(), '\x33');
     QCOMPARE(exchange(blocks.at(1)), '\x18');
+    loader.schedule(SimBootAct::Nak, 1); // counted anew
+    QCOMPARE(exchange(header("a", 2048)), '\x06');
+    QCOMPARE(exchange(blocks.at(0)), '\x15');
 }
 
 void tst_sim_boot_loader::brokenUpdateWaitsForTheNext()
