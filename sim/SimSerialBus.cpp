@@ -81,6 +81,7 @@ void SimSerialBus::plug(const std::shared_ptr<SimSensor> &sensor)
     sensor->powerCycle();
     const std::lock_guard lock(m_mutex);
     m_sensors.push_back(sensor);
+    wake(); // its boot loader may have something to say
 }
 
 void SimSerialBus::unplug(const std::shared_ptr<SimSensor> &sensor)
