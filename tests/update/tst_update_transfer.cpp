@@ -90,6 +90,8 @@ void tst_update_transfer::images_data()
         QTest::addRow("serial, %d bytes", size) << Road::Uart << size;
     }
     QTest::newRow("CH347, 65536 bytes") << Road::Ch347 << 65536;
+    QTest::newRow("serial, 65536 bytes") << Road::Uart << 65536;
+    QTest::newRow("CH341, 300000 bytes") << Road::Ch341 << 300000;
     QTest::newRow("serial, 300000 bytes") << Road::Uart << 300000;
 }
 
@@ -161,15 +163,21 @@ void tst_update_transfer::ended_data()
     QTest::addColumn<Road>("road");
     QTest::addColumn<int>("act");
     QTest::addColumn<int>("frame");
+    QTest::addColumn<int>("times");
     QTest::addColumn<QString>("result");
-    const auto add = [](const char *name, Road road, SimBootAct act, int frame, const QString &result) {
-        QTest::newRow(name) << road << static_cast<int>(act) << frame << result;
+    const auto add = [](const char *name, Road road, SimBootAct act, int frame, const QString &result,
+                        int times = 1) {
+        QTest::newRow(name) << road << static_cast<int>(act) << frame << times << result;
     };
     add("CH341, power cut at the first block", Road::Ch341, SimBootAct::PowerCut, 1, kTimeout);
     // A poll of one byte never sees five of them.
     add("CH347, cancelled at the last block", Road::Ch347, SimBootAct::Cancel, 2, kTimeout);
     add("serial, cancelled at the header", Road::Uart, SimBootAct::Cancel, 0, kCancelled);
     add("serial, power cut at the end of file", Road::Uart, SimBootAct::PowerCut, 3, kTimeout);
+    // What two seconds hold: a refused frame every 20 ms, an unanswered one every 200.
+    add("CH341, refused at the first block", Road::Ch341, SimBootAct::Nak, 1, kTimeout, 100);
+    add("CH347, silent at the end of file", Road::Ch347, SimBootAct::Silence, 3, kTimeout, 10);
+    add("serial, rubbish at the last header", Road::Uart, SimBootAct::Rubbish, 4, kTimeout, 10);
 }
 
 void tst_update_transfer::ended()
@@ -177,9 +185,10 @@ void tst_update_transfer::ended()
     QFETCH(Road, road);
     QFETCH(int, act);
     QFETCH(int, frame);
+    QFETCH(int, times);
     QFETCH(QString, result);
     UpdateBench bench;
-    bench.loader(road).schedule(static_cast<SimBootAct>(act), frame);
+    bench.loader(road).schedule(static_cast<SimBootAct>(act), frame, times);
     UpdateTab tab;
     QVERIFY(tab.enter(bench, road));
     tab.chooseFile(testImage(1300));
