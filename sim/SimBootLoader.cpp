@@ -45,24 +45,6 @@ int SimBootLoader::baudRate() const
     return m_baudRate;
 }
 
-void SimBootLoader::setAddress(std::optional<uint8_t> address)
-{
-    const std::lock_guard lock(m_mutex);
-    m_address = address;
-}
-
-std::optional<uint8_t> SimBootLoader::address() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_address;
-}
-
-void SimBootLoader::setPrompting(bool prompting)
-{
-    const std::lock_guard lock(m_mutex);
-    m_prompts = prompting;
-}
-
 void SimBootLoader::schedule(SimBootAct act, int frame, int times)
 {
     const std::lock_guard lock(m_mutex);
@@ -91,12 +73,6 @@ bool SimBootLoader::hasImage() const
 {
     const std::lock_guard lock(m_mutex);
     return m_hasProgram && !m_name.isEmpty();
-}
-
-int SimBootLoader::frameCount() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_frames;
 }
 
 void SimBootLoader::enter(SimTime now)
@@ -416,7 +392,7 @@ bool SimBootLoader::isPrompting() const
 {
     const bool asks =
         m_state == State::AwaitHeader || m_state == State::AwaitFirstBlock || m_state == State::AwaitEnd;
-    return m_prompts && asks && m_buffer.isEmpty();
+    return asks && m_buffer.isEmpty();
 }
 
 void SimBootLoader::finishWhenDone()

@@ -31,11 +31,6 @@ public:
     /// The only baud rate at which it hears on a serial line; 460800 at first.
     void setBaudRate(int baud);
     int baudRate() const;
-    /// I2C address while it runs; that of the sensor when not set.
-    void setAddress(std::optional<uint8_t> address);
-    std::optional<uint8_t> address() const;
-    /// A loader that does not ask for a transfer.
-    void setPrompting(bool prompting);
     /// From the frame of that number on, counted since the reset with the header as 0, the next `times` frames meet the
     /// act.
     void schedule(SimBootAct act, int frame, int times = 1);
@@ -46,8 +41,6 @@ public:
     QByteArray image() const;
     QByteArray imageName() const;
     bool hasImage() const;
-    /// Frames that came in since the reset, good or bad.
-    int frameCount() const;
 
     // The side of the sensor.
 
@@ -107,8 +100,6 @@ private:
     mutable std::mutex m_mutex; // guards everything below
     std::chrono::milliseconds m_window{1500};
     int m_baudRate = 460800;
-    std::optional<uint8_t> m_address;
-    bool m_prompts = true;
     std::vector<Plan> m_plans;
     int m_bytesUntilCut = -1;
 

@@ -232,9 +232,7 @@ SimDelivery SimSensor::answerRequest(const QByteArray &request)
 bool SimSensor::acknowledges(uint8_t address) const
 {
     const std::lock_guard lock(m_mutex);
-    if (inBootLoader())
-        return address == m_bootLoader.address().value_or(m_settings.address);
-    return address == 0 || address == m_settings.address;
+    return address == m_settings.address || (address == 0 && !inBootLoader());
 }
 
 void SimSensor::writeI2c(const QByteArray &bytes)

@@ -104,7 +104,6 @@ private:
     template<typename Change>
     void change(Change change);
     SimDelivery answer(const QByteArray &request);
-    SimDelivery passSample();
     const QByteArray &sample() const;
     QByteArray compose(uint8_t counter) const;
     SimValues currentValues() const;
