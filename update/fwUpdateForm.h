@@ -96,7 +96,6 @@ private:
     void startTransfer(const QString &name, const QByteArray &image);
     void connectRequests(class_ymodem *sender);
     void connectResults(class_ymodem *sender);
-    void showSuccess();
     void transferFailed(const QString &text);
     void dropSender();
     void transferEnded();

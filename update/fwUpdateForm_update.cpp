@@ -6,6 +6,7 @@
 #include "link/forms/hex_text.h"
 #include "update/class_ymodem.h"
 #include "update/reset_command.h"
+#include "update/success_text.h"
 
 #include "ui_fwUpdateForm.h"
 
@@ -164,7 +165,7 @@ void fwUpdateForm::connectResults(class_ymodem *sender)
 {
     connect(sender, &class_ymodem::si_updateSuccess, this, [this, sender] {
         Q_EMIT si_updateSuccess();
-        showSuccess();
+        ui->lbRes->setText(updateSuccessText(m_elapsed.elapsed()));
         QTimer::singleShot(kSuccessLingerMs, sender, [this, sender] {
             if (m_sender == sender)
                 transferEnded();
@@ -174,13 +175,6 @@ void fwUpdateForm::connectResults(class_ymodem *sender)
             [this] { transferFailed(QObject::tr("更新超时")); });
     connect(sender, &class_ymodem::si_updateCancel, this,
             [this] { transferFailed(QObject::tr("更新取消")); });
-}
-
-void fwUpdateForm::showSuccess()
-{
-    const auto elapsedMs = static_cast<unsigned long long>(m_elapsed.elapsed());
-    ui->lbRes->setText(QObject::tr("更新成功,用时：") +
-                       QString::asprintf("%llu.%llu秒", elapsedMs / 1000, elapsedMs % 1000));
 }
 
 void fwUpdateForm::transferFailed(const QString &text)

@@ -3,6 +3,7 @@
 #include "app/class_settings.h"
 #include "tests/support/log_capture.h"
 #include "tests/update/UpdateBench.h"
+#include "update/success_text.h"
 
 #include <QFileDialog>
 #include <QStandardPaths>
@@ -52,6 +53,7 @@ private Q_SLOTS:
     void speedOneLowerWhenChangedWhileOpen();
     void resetCommands();
     void shortResetOnTheSerialLineStaysAsTyped();
+    void timeOfASuccess();
     void inEnglish();
 
 private:
@@ -320,6 +322,12 @@ void tst_update_tab::shortResetOnTheSerialLineStaysAsTyped()
     const auto requests = bench.line.journal().records(SimRecord::Kind::Request);
     QVERIFY(!requests.empty());
     QCOMPARE(requests.back().bytes.toHex(), QByteArray("aa5505a10100000000a601"));
+}
+
+void tst_update_tab::timeOfASuccess()
+{
+    QCOMPARE(updateSuccessText(5007), QStringLiteral("更新成功,用时：5.7秒"));
+    QCOMPARE(updateSuccessText(5070), QStringLiteral("更新成功,用时：5.70秒"));
 }
 
 void tst_update_tab::inEnglish()
