@@ -4,7 +4,6 @@
 
 #include <QComboBox>
 #include <QLabel>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
@@ -38,7 +37,6 @@ void Tour::updateOver(const TourStop &stop)
     auto *devices = tab->findChild<QComboBox *>(QStringLiteral("cbbUpdateDevList"));
     auto *start = tab->findChild<QPushButton *>(QStringLiteral("pbtnUpdateStart"));
     const auto *result = tab->findChild<QLabel *>(QStringLiteral("lbRes"));
-    const auto *progress = tab->findChild<QProgressBar *>(QStringLiteral("pbUpdate"));
     tab->findChild<QRadioButton *>(radioButtonOf(stop.interfaceName))->click();
     if (!waitUntil(QStringLiteral("device %1 on the update tab").arg(stop.device), listTimeoutMs,
                    [&] { return devices->findText(stop.device) >= 0; }))
@@ -53,6 +51,7 @@ void Tour::updateOver(const TourStop &stop)
               [start] { return start->text() == QObject::tr("开始"); });
     picture(m_window, QStringLiteral("update-") + stop.interfaceName);
     std::printf("  update over %s: %s\n", qUtf8Printable(stop.interfaceName), qUtf8Printable(result->text()));
-    if (progress->value() != progress->maximum())
+    // The bar keeps the 100 % of the update before until a boot loader has answered.
+    if (!result->text().startsWith(QObject::tr("更新成功,用时：")))
         m_failures.append(QStringLiteral("update over %1: %2").arg(stop.interfaceName, result->text()));
 }
