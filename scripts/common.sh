@@ -9,7 +9,7 @@ build_packages=(
   libusb-1.0-0-dev
   fonts-wqy-microhei fonts-dejavu-core
 )
-test_packages=(umockdev libumockdev-dev)
+test_packages=(umockdev libumockdev-dev python3 binutils)
 check_packages=(git clang-format clang-tidy)
 
 say() { printf '== %s\n' "$*"; }

@@ -155,8 +155,7 @@ QByteArray objcopied(const QByteArray &input, const QString &from, const QString
 
 void tst_firmware_image::asObjcopyMakesIt()
 {
-    if (objcopyPath().isEmpty())
-        QSKIP("objcopy is missing: install binutils");
+    QVERIFY2(!objcopyPath().isEmpty(), "install binutils");
     for (const int size : {1, 15, 16, 17, 65536, 65537, 200001}) {
         const QByteArray image = bytes(size);
         const QByteArray text = objcopied(image, QStringLiteral("binary"), QStringLiteral("ihex"));
@@ -167,8 +166,7 @@ void tst_firmware_image::asObjcopyMakesIt()
 
 void tst_firmware_image::differsFromObjcopyWhereAddressesJump()
 {
-    if (objcopyPath().isEmpty())
-        QSKIP("objcopy is missing: install binutils");
+    QVERIFY2(!objcopyPath().isEmpty(), "install binutils");
     const QByteArray text = record(0, 0x20, "C") + record(0, 0, "A") + record(0, 4, "B") + kEnd;
     const QByteArray sorted = objcopied(text, QStringLiteral("ihex"), QStringLiteral("binary"));
     QCOMPARE(sorted, QByteArray("A") + QByteArray(3, '\0') + "B" + QByteArray(27, '\0') + "C");
