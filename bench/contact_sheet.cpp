@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -184,8 +185,10 @@ QVector<QRgb> paletteOf(const QHash<QRgb, int> &counts)
     constexpr int kSurfaces = 64;
     constexpr QRgb kKind = 0xF8F8F8;
     QVector<QRgb> colours = counts.keys().toVector();
-    std::sort(colours.begin(), colours.end(),
-              [&counts](QRgb one, QRgb other) { return counts.value(one) > counts.value(other); });
+    // Equally frequent ones in an order of their own, so that a view that has not changed is the same in every sheet.
+    std::sort(colours.begin(), colours.end(), [&counts](QRgb one, QRgb other) {
+        return std::make_pair(-counts.value(one), one) < std::make_pair(-counts.value(other), other);
+    });
     QVector<QRgb> table;
     QSet<QRgb> kinds;
     for (const QRgb colour : qAsConst(colours)) {
