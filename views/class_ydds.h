@@ -1,18 +1,18 @@
 #pragma once
 
-#include "views/gauge_painting.h"
-
-#include <QLabel>
+#include "views/GaugeLabel.h"
 
 #include <cstdint>
 
 /// The gauge as tile of a sensorForm. Draws as ydds does.
-class class_ydds : public QLabel
+class class_ydds : public GaugeLabel<class_ydds>
 {
     Q_OBJECT
 
 public:
-    explicit class_ydds(QWidget *parent = nullptr);
+    explicit class_ydds(QWidget *parent = nullptr)
+        : GaugeLabel(parent)
+    {}
 
     uint16_t direction = kNoArrow; ///< degrees clockwise from up
     float arrowScale = 0.0F;       ///< 0.0 to 1.0
@@ -22,13 +22,4 @@ public:
     QBrush haloBrush;
     bool halo = false;
     uint16_t arrowExtraWidth = 0;
-
-    /// A gauge takes the size that it is given, whatever its text.
-    QSize sizeHint() const override { return {}; }
-    QSize minimumSizeHint() const override { return {}; }
-
-protected:
-    bool event(QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 };

@@ -35,11 +35,3 @@ GaugeSize gaugeSize(int width, int height, bool halo);
 
 /// Halo, disc and arrow in the middle of a width x height area.
 void paintGauge(QPainter &painter, const GaugeLook &look);
-
-/// The look of one of the two gauge classes, which hold the same fields.
-template<typename Gauge>
-GaugeLook lookOf(const Gauge &gauge)
-{
-    return {gauge.width(),   gauge.height(), gauge.direction, gauge.arrowScale,     gauge.arrowPen,
-            gauge.discBrush, gauge.halo,     gauge.haloBrush, gauge.arrowExtraWidth};
-}

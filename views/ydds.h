@@ -1,19 +1,19 @@
 #pragma once
 
-#include "views/gauge_painting.h"
-
-#include <QLabel>
+#include "views/GaugeLabel.h"
 
 #include <cstdint>
 
 /// Round gauge of one force point: a disc whose colour stands for the normal force, and an arrow for the tangential
 /// force. Views write the fields and call update(); the label text, if any, lies below the disc.
-class ydds : public QLabel
+class ydds : public GaugeLabel<ydds>
 {
     Q_OBJECT
 
 public:
-    explicit ydds(QWidget *parent = nullptr);
+    explicit ydds(QWidget *parent = nullptr)
+        : GaugeLabel(parent)
+    {}
 
     uint16_t direction = kNoArrow; ///< degrees clockwise from up
     float arrowScale = 0.0F;       ///< 0.0 to 1.0
@@ -23,13 +23,4 @@ public:
     bool halo = false;
     QBrush haloBrush;
     uint16_t arrowExtraWidth = 0;
-
-    /// A gauge takes the size that it is given, whatever its text.
-    QSize sizeHint() const override { return {}; }
-    QSize minimumSizeHint() const override { return {}; }
-
-protected:
-    bool event(QEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
-    void resizeEvent(QResizeEvent *event) override;
 };
