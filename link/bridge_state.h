@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/vendor/invalid_handle.h"
+#include "link/providers/invalid_handle.h"
 
 #include <QDebug>
 #include <QVector>

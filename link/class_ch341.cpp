@@ -1,7 +1,7 @@
 #include "link/class_ch341.h"
 
 #include "link/Ch341Packet.h"
-#include "link/vendor/ch341dll.h"
+#include "link/providers/ch341dll.h"
 
 #include <QStringList>
 #include <QThread>

@@ -1,7 +1,7 @@
 #include "link/class_ch347.h"
 
-#include "link/vendor/ch347dll.h"
-#include "link/vendor/invalid_handle.h"
+#include "link/providers/ch347dll.h"
+#include "link/providers/invalid_handle.h"
 
 #include <QStringList>
 #include <QThread>

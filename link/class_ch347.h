@@ -1,7 +1,7 @@
 #pragma once
 
 #include "link/bridge_state.h"
-#include "link/vendor/vendor_call.h"
+#include "link/providers/vendor_call.h"
 
 #include <QObject>
 #include <QVector>

@@ -1,6 +1,6 @@
 #include "link/class_uart.h"
 
-#include "link/vendor/serial_ports.h"
+#include "link/providers/serial_ports.h"
 
 #include <QDebug>
 

@@ -2,7 +2,7 @@
 
 #include "engine/sensor_ts.h"
 #include "panel/SampleRecorder.h"
-#include "panel/command.h"
+#include "protocol/command.h"
 #include "protocol/frames.h"
 
 #include <QPointer>

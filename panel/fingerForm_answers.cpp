@@ -4,8 +4,8 @@
 
 #include "ui_fingerForm.h"
 
-#include "panel/payloads.h"
 #include "protocol/class_sensorCmd.h"
+#include "protocol/payloads.h"
 
 #include <QMessageBox>
 

@@ -4,8 +4,8 @@
 
 #include "ui_fingerForm.h"
 
-#include "panel/payloads.h"
 #include "protocol/finger_info.h"
+#include "protocol/payloads.h"
 #include "views/class_finger.h"
 
 #include <QDir>

@@ -6,8 +6,8 @@
 
 #include "engine/cmd_ts.h"
 #include "panel/force_threshold.h"
-#include "panel/payloads.h"
 #include "protocol/class_sensorCmd.h"
+#include "protocol/payloads.h"
 
 #include <QDebug>
 #include <QMessageBox>

@@ -4,7 +4,7 @@
 
 #include "ui_fingerForm.h"
 
-#include "panel/payloads.h"
+#include "protocol/payloads.h"
 
 #include <QIntValidator>
 #include <QLineEdit>

@@ -1,5 +1,5 @@
-#include "link/vendor/ch341dll.h"
-#include "link/vendor/invalid_handle.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/invalid_handle.h"
 #include "sim/SimCh341.h"
 #include "sim/SimRegistry.h"
 

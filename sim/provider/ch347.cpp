@@ -1,5 +1,5 @@
-#include "link/vendor/ch347dll.h"
-#include "link/vendor/invalid_handle.h"
+#include "link/providers/ch347dll.h"
+#include "link/providers/invalid_handle.h"
 #include "sim/SimCh347.h"
 #include "sim/SimRegistry.h"
 

@@ -1,6 +1,6 @@
-#include "link/vendor/serial_ports.h"
+#include "link/providers/serial_ports.h"
 
-#include "link/vendor/system/system_serial_ports.h"
+#include "link/providers/system/system_serial_ports.h"
 #include "sim/SimRegistry.h"
 
 QStringList serialPortNames()

@@ -1,8 +1,8 @@
 #include "tests/link/fake_vendor.h"
 
-#include "link/vendor/ch341dll.h"
-#include "link/vendor/ch347dll.h"
-#include "link/vendor/serial_ports.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/ch347dll.h"
+#include "link/providers/serial_ports.h"
 
 #include <algorithm>
 #include <array>

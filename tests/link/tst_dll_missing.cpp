@@ -1,7 +1,7 @@
 // The operations without the CH341 library, and with a CH347 library that lacks one of them: no devices, one line each.
 
-#include "link/vendor/ch341dll.h"
-#include "link/vendor/ch347dll.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/ch347dll.h"
 #include "tests/support/log_capture.h"
 
 #include <QTest>

@@ -1,7 +1,7 @@
 // The operations on vendor libraries that are there: every argument arrives, every result comes back.
 
-#include "link/vendor/ch341dll.h"
-#include "link/vendor/ch347dll.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/ch347dll.h"
 #include "tests/support/log_capture.h"
 
 #include <QTest>

@@ -1,8 +1,8 @@
 // The CH341 operations on libusb, down to the transfers that an emulated chip sees.
 
 #include "link/class_ch341.h"
-#include "link/vendor/ch341dll.h"
-#include "link/vendor/ch347dll.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/ch347dll.h"
 #include "tests/link/usb/FakeBridgeChips.h"
 #include "tests/link/usb/usb_test.h"
 #include "tests/support/log_capture.h"

@@ -1,7 +1,7 @@
 // The CH347 operations on libusb, down to the transfers that an emulated chip sees.
 
 #include "link/class_ch347.h"
-#include "link/vendor/ch347dll.h"
+#include "link/providers/ch347dll.h"
 #include "tests/link/usb/FakeBridgeChips.h"
 #include "tests/link/usb/usb_test.h"
 #include "tests/support/log_capture.h"

@@ -1,8 +1,8 @@
-#include "link/vendor/ch341dll.h"
+#include "link/providers/ch341dll.h"
 
-#include "link/vendor/NotifyGate.h"
-#include "link/vendor/dll/VendorLibrary.h"
-#include "link/vendor/invalid_handle.h"
+#include "link/providers/NotifyGate.h"
+#include "link/providers/dll/VendorLibrary.h"
+#include "link/providers/invalid_handle.h"
 
 #include <optional>
 

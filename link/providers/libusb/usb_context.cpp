@@ -1,4 +1,4 @@
-#include "link/vendor/libusb/usb_context.h"
+#include "link/providers/libusb/usb_context.h"
 
 #include <QDebug>
 

@@ -1,4 +1,4 @@
-#include "link/vendor/libusb/ch341_stream.h"
+#include "link/providers/libusb/ch341_stream.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "link/vendor/dll/VendorLibrary.h"
+#include "link/providers/dll/VendorLibrary.h"
 
 #include <QDebug>
 

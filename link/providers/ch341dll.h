@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/vendor/vendor_call.h"
+#include "link/providers/vendor_call.h"
 
 #include <cstdint>
 

@@ -1,9 +1,9 @@
-#include "link/vendor/ch341dll.h"
+#include "link/providers/ch341dll.h"
 
-#include "link/vendor/invalid_handle.h"
-#include "link/vendor/libusb/BridgeTable.h"
-#include "link/vendor/libusb/Ch341Chip.h"
-#include "link/vendor/libusb/HotplugMonitor.h"
+#include "link/providers/invalid_handle.h"
+#include "link/providers/libusb/BridgeTable.h"
+#include "link/providers/libusb/Ch341Chip.h"
+#include "link/providers/libusb/HotplugMonitor.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/vendor/libusb/UsbBridge.h"
+#include "link/providers/libusb/UsbBridge.h"
 
 #include <atomic>
 #include <mutex>

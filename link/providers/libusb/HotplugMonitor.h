@@ -1,8 +1,8 @@
 #pragma once
 
-#include "link/vendor/NotifyGate.h"
-#include "link/vendor/libusb/usb_bridges.h"
-#include "link/vendor/libusb/usb_context.h"
+#include "link/providers/NotifyGate.h"
+#include "link/providers/libusb/usb_bridges.h"
+#include "link/providers/libusb/usb_context.h"
 
 #include <array>
 #include <atomic>

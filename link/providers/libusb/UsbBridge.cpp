@@ -1,4 +1,4 @@
-#include "link/vendor/libusb/UsbBridge.h"
+#include "link/providers/libusb/UsbBridge.h"
 
 #include <QDebug>
 

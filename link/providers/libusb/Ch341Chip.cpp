@@ -1,6 +1,6 @@
-#include "link/vendor/libusb/Ch341Chip.h"
+#include "link/providers/libusb/Ch341Chip.h"
 
-#include "link/vendor/libusb/ch341_stream.h"
+#include "link/providers/libusb/ch341_stream.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "link/vendor/system/system_serial_ports.h"
+#include "link/providers/system/system_serial_ports.h"
 
 #include <QSerialPortInfo>
 

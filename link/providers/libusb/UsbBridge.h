@@ -1,6 +1,6 @@
 #pragma once
 
-#include "link/vendor/libusb/usb_bridges.h"
+#include "link/providers/libusb/usb_bridges.h"
 
 #include <chrono>
 #include <cstddef>

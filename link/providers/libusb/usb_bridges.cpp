@@ -1,6 +1,6 @@
-#include "link/vendor/libusb/usb_bridges.h"
+#include "link/providers/libusb/usb_bridges.h"
 
-#include "link/vendor/libusb/usb_context.h"
+#include "link/providers/libusb/usb_context.h"
 
 #include <QDebug>
 

@@ -1,4 +1,4 @@
-#include "link/vendor/libusb/ch347_stream.h"
+#include "link/providers/libusb/ch347_stream.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "link/vendor/libusb/UsbBridge.h"
-#include "link/vendor/libusb/usb_context.h"
+#include "link/providers/libusb/UsbBridge.h"
+#include "link/providers/libusb/usb_context.h"
 
 #include <array>
 #include <memory>

@@ -1,4 +1,4 @@
-#include "link/vendor/libusb/HotplugMonitor.h"
+#include "link/providers/libusb/HotplugMonitor.h"
 
 #include <QDebug>
 

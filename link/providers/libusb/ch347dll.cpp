@@ -1,10 +1,10 @@
-#include "link/vendor/ch347dll.h"
+#include "link/providers/ch347dll.h"
 
-#include "link/vendor/invalid_handle.h"
-#include "link/vendor/libusb/BridgeTable.h"
-#include "link/vendor/libusb/Ch347Chip.h"
-#include "link/vendor/libusb/HotplugMonitor.h"
-#include "link/vendor/libusb/UntoldSetting.h"
+#include "link/providers/invalid_handle.h"
+#include "link/providers/libusb/BridgeTable.h"
+#include "link/providers/libusb/Ch347Chip.h"
+#include "link/providers/libusb/HotplugMonitor.h"
+#include "link/providers/libusb/UntoldSetting.h"
 
 #include <cstdio>
 #include <thread>

@@ -1,6 +1,6 @@
-#include "link/vendor/libusb/Ch347Chip.h"
+#include "link/providers/libusb/Ch347Chip.h"
 
-#include "link/vendor/libusb/ch347_stream.h"
+#include "link/providers/libusb/ch347_stream.h"
 
 #include <QDebug>
 
