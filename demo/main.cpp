@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <optional>
 
 namespace {
 
@@ -46,24 +47,65 @@ QVector<TourStop> stopsOn(SimBench &bench)
     };
 }
 
-bool parse(int argc, char **argv, Options &options)
+/// Leaves Qt's own options to the application object that the tool makes, which takes them out.
+QList<QCommandLineOption> optionsOfQt()
 {
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments.append(QString::fromLocal8Bit(argv[i]));
-    const QCommandLineOption tour(QStringLiteral("tour"),
-                                  QStringLiteral("Drive the window and write pictures."),
-                                  QStringLiteral("folder"));
-    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("Language to start in."),
+    const QString value = QStringLiteral("value");
+    QList<QCommandLineOption> options;
+    for (const char *name :
+         {"platform", "platformpluginpath", "platformtheme", "plugin", "qwindowgeometry", "qwindowtitle",
+          "qwindowicon", "geometry", "title", "icon", "display", "name", "session", "style", "stylesheet"})
+        options.append({QString::fromLatin1(name), QString(), value});
+    for (const char *name : {"reverse", "widgetcount", "nograb", "dograb"})
+        options.append(QCommandLineOption(QString::fromLatin1(name)));
+    for (QCommandLineOption &option : options)
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+    return options;
+}
+
+int refuse(const QString &why)
+{
+    std::fprintf(stderr, "%s: %s\n", qUtf8Printable(QCoreApplication::applicationName()),
+                 qUtf8Printable(why));
+    return 2;
+}
+
+/// The status to end with, when the window is not to open.
+std::optional<int> parse(int argc, char **argv, Options &options)
+{
+    // The parser asks an application object for the program's name, and the tool's own comes with a window.
+    const QCoreApplication application(argc, argv);
+    const QCommandLineOption tour(
+        QStringLiteral("tour"),
+        QStringLiteral("Drives the window, writes pictures into the folder and ends."),
+        QStringLiteral("folder"));
+    const QCommandLineOption language(QStringLiteral("language"), QStringLiteral("Starts in that language."),
                                       QStringLiteral("en|zh_cn"));
     QCommandLineParser parser;
-    parser.addOptions({tour, language});
-    if (!parser.parse(arguments)) {
-        std::fprintf(stderr, "%s\n%s", qUtf8Printable(parser.errorText()), qUtf8Printable(parser.helpText()));
-        return false;
+    parser.setApplicationDescription(QStringLiteral(
+        "The sensor tool on a simulated bench. Options of Qt, such as -platform and -style, work too."));
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Displays this text."));
+    const QCommandLineOption version = parser.addVersionOption();
+    parser.addOptions({help, tour, language});
+    parser.addOptions(optionsOfQt());
+    if (!parser.parse(QCoreApplication::arguments()))
+        return refuse(parser.errorText());
+    if (parser.isSet(help) || parser.isSet(version)) {
+        const QString text = parser.isSet(help) ? parser.helpText()
+                                                : QCoreApplication::applicationName() +
+                                                      QStringLiteral(" " TACTILE_VERSION "\n");
+        std::printf("%s", qUtf8Printable(text));
+        return 0;
     }
     options = {parser.value(tour), parser.value(language)};
-    return true;
+    if (!parser.positionalArguments().isEmpty())
+        return refuse(QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().first()));
+    if (parser.isSet(language) && options.language != QLatin1String("en") &&
+        options.language != QLatin1String("zh_cn"))
+        return refuse(QStringLiteral("Unknown language '%1'.").arg(options.language));
+    return std::nullopt;
 }
 
 } // namespace
@@ -74,8 +116,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication::setApplicationName(QStringLiteral("tactile-host-demo"));
     Options options;
-    if (!parse(argc, argv, options))
-        return 2;
+    if (const std::optional<int> status = parse(argc, argv, options))
+        return *status;
 
     std::unique_ptr<QTemporaryDir> settings;
     if (!options.tourFolder.isEmpty())

@@ -35,8 +35,9 @@ int runTool(const std::function<void(QWidget *)> &whileRunning)
 {
     look = whileRunning;
     char name[] = "tst_shell";
-    char *arguments[] = {name, nullptr};
-    return qMain(1, arguments);
+    char option[] = "--help"; // which the tool does not have
+    char *arguments[] = {name, option, nullptr};
+    return qMain(2, arguments);
 }
 
 QTabWidget *tabs(QWidget *window)
@@ -182,6 +183,46 @@ private Q_SLOTS:
                 tabs(window)->setCurrentIndex(0);
             }
         });
+    }
+
+    void theDemonstrationTellsItsOptions_data()
+    {
+        QTest::addColumn<QString>("options");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("output");
+        QTest::addColumn<QString>("error");
+        const QString version(QStringLiteral("tactile-host-demo \\d[.\\d]+\n"));
+        QTest::newRow("help") << "--help" << 0 << "Usage: .*--tour <folder>.*--language <en\\|zh_cn>.*"
+                              << "";
+        QTest::newRow("version") << "--version" << 0 << version << "";
+        QTest::newRow("options of Qt") << "-platform none -style fusion --version" << 0 << version << "";
+        QTest::newRow("wrong option") << "--nonsense" << 2 << ""
+                                      << "[^\n]*nonsense[^\n]*\n";
+        QTest::newRow("no value") << "--tour" << 2 << ""
+                                  << "[^\n]*tour[^\n]*\n";
+        QTest::newRow("wrong language") << "--language fr" << 2 << ""
+                                        << "[^\n]*fr[^\n]*\n";
+        QTest::newRow("wrong argument") << "pictures" << 2 << ""
+                                        << "[^\n]*pictures[^\n]*\n";
+    }
+
+    void theDemonstrationTellsItsOptions()
+    {
+        QFETCH(QString, options);
+        QFETCH(QString, output);
+        QFETCH(QString, error);
+        QProcess demo;
+        demo.start(QStringLiteral(TACTILE_DEMO), options.split(QLatin1Char(' ')));
+        QVERIFY(demo.waitForFinished());
+        QCOMPARE(demo.exitStatus(), QProcess::NormalExit);
+        QTEST(demo.exitCode(), "status");
+        const auto matches = [](const QString &pattern, const QByteArray &text) {
+            const QRegularExpression whole(QRegularExpression::anchoredPattern(pattern),
+                                           QRegularExpression::DotMatchesEverythingOption);
+            return whole.match(QString::fromUtf8(text)).hasMatch();
+        };
+        QVERIFY(matches(output, demo.readAllStandardOutput()));
+        QVERIFY(matches(error, demo.readAllStandardError()));
     }
 
     void theEnglishTableIsAllThatIsEmbedded()
