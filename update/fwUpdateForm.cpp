@@ -46,7 +46,14 @@ void fwUpdateForm::init()
     initResetCommand();
     initFile();
     connect(ui->pbtnUpdateStart, &QPushButton::clicked, this, &fwUpdateForm::startClicked);
+    ui->pbtnUpdateStart->installEventFilter(this);
     connect(this, &fwUpdateForm::si_updateStart, this, &fwUpdateForm::runUpdate);
+}
+
+// The first press of a double click has done what the user meant; the second would undo it.
+bool fwUpdateForm::eventFilter(QObject *watched, QEvent *event)
+{
+    return watched == ui->pbtnUpdateStart && event->type() == QEvent::MouseButtonDblClick;
 }
 
 void fwUpdateForm::initResetCommand()

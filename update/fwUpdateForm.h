@@ -56,6 +56,9 @@ Q_SIGNALS:
     void si_updateSuccess();
     void si_updateFail();
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void init();
     void initInterfaces();

@@ -51,6 +51,7 @@ private Q_SLOTS:
     void noDevice();
     void multiplexerFails();
     void speedOneLowerWhenChangedWhileOpen();
+    void doubleClickStartsAndGoesOn();
     void resetCommands();
     void shortResetOnTheSerialLineStaysAsTyped();
     void timeOfASuccess();
@@ -280,6 +281,21 @@ void tst_update_tab::speedOneLowerWhenChangedWhileOpen()
     tab.start->click();
     QVERIFY(runsAt(100));
     tab.start->click();
+}
+
+void tst_update_tab::doubleClickStartsAndGoesOn()
+{
+    UpdateBench bench;
+    UpdateTab tab;
+    QVERIFY(tab.enter(bench, Road::Ch341));
+    tab.chooseFile(testImage(5000));
+    QTest::mouseClick(tab.start, Qt::LeftButton);
+    QTest::mouseDClick(tab.start, Qt::LeftButton);
+    QTest::mouseRelease(tab.start, Qt::LeftButton);
+    QCOMPARE(tab.start->text(), QStringLiteral("停止"));
+    QTest::mouseClick(tab.start, Qt::LeftButton);
+    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
+    QTRY_COMPARE(tab.result->text(), QStringLiteral("更新取消"));
 }
 
 void tst_update_tab::resetCommands()
