@@ -9,11 +9,13 @@
 
 #include <QCoreApplication>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QProcess>
 #include <QSplitter>
-#include <QStyle>
+#include <QStyledItemDelegate>
+#include <QToolTip>
 #include <QTreeWidget>
 
 #include <array>
@@ -34,13 +36,23 @@ constexpr const char *kLanguageFile = "config";
 /// Stored names of the languages, in the order of the box.
 constexpr std::array<const char *, 2> kLanguages = {"zh_cn", "en"};
 
-/// Width at which the item of a sensor with an ordinary serial number can be read.
-int readableWidth(const QTreeWidget *tree)
+/// Says in a tool tip what the tree is too narrow to show.
+class TreeItemDelegate : public QStyledItemDelegate
 {
-    const int text = tree->fontMetrics().horizontalAdvance(QStringLiteral("0/0x6F/KV-000000000"));
-    const int itemMargins = 4 * tree->style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, tree);
-    return text + 2 * tree->indentation() + 2 * tree->frameWidth() + itemMargins;
-}
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
+                   const QModelIndex &index) override
+    {
+        const QRect place = view->visualRect(index);
+        const int end = place.left() + sizeHint(option, index).width();
+        const bool fits = place.left() >= 0 && end <= view->viewport()->width();
+        QToolTip::showText(event->globalPos(), fits ? QString() : index.data().toString(), view->viewport(),
+                           place);
+        return true;
+    }
+};
 
 } // namespace
 
@@ -102,7 +114,7 @@ void tactViewForm::buildWorkArea()
     tree = new QTreeWidget(splitter);
     tree->setHeaderHidden(true);
     tree->setIndentation(kTreeIndentation);
-    tree->setMinimumWidth(readableWidth(tree));
+    tree->setItemDelegate(new TreeItemDelegate(tree));
     tree->header()->setStretchLastSection(false);
     mdi = new QMdiArea(splitter);
     mdi->setViewMode(QMdiArea::TabbedView);

@@ -6,9 +6,12 @@
 #include "tests/support/box_answer.h"
 #include "tests/support/log_capture.h"
 
+#include <QHelpEvent>
 #include <QSignalSpy>
+#include <QSplitter>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QToolTip>
 
 namespace {
 
@@ -32,6 +35,32 @@ private Q_SLOTS:
     void init()
     {
         class_settings::set(QStringLiteral("language"), QStringLiteral("zh_cn"), QStringLiteral("config"));
+    }
+
+    void theTreeIsAsWideAsTheUserWants()
+    {
+        MonitorBench bench;
+        auto *tree = bench.form.findChild<QTreeWidget *>();
+        auto *splitter = bench.form.findChild<QSplitter *>();
+        QTRY_VERIFY(splitter->width() > 500);
+        QCOMPARE(tree->width(), 100);
+        QVERIFY(bench.mdi()->width() > 400);
+
+        auto *sensor = new QTreeWidgetItem({QStringLiteral("0/0x61/KV-000000000")});
+        tree->topLevelItem(0)->addChild(sensor);
+        tree->topLevelItem(0)->setExpanded(true);
+        const auto tipOf = [tree](const QTreeWidgetItem *item) {
+            const QPoint place = tree->visualItemRect(item).topLeft() + QPoint(2, 2);
+            QHelpEvent ask(QEvent::ToolTip, place, tree->viewport()->mapToGlobal(place));
+            QCoreApplication::sendEvent(tree->viewport(), &ask);
+            return QToolTip::text();
+        };
+        QTRY_COMPARE(tipOf(sensor), sensor->text(0));
+        QTRY_COMPARE(tipOf(tree->topLevelItem(0)), QString());
+        splitter->setSizes({300, 400});
+        QTRY_COMPARE(tipOf(sensor), QString());
+        splitter->setSizes({80, 600});
+        QCOMPARE(tree->width(), 80);
     }
 
     void livesThroughADay()
