@@ -1,5 +1,7 @@
 #include "app/Widget.h"
 
+#include "app/InputGuard.h"
+
 #include "ui_Widget.h"
 
 namespace {
@@ -19,6 +21,8 @@ Widget::Widget(QWidget *parent)
     : QWidget(parent)
     , ui(new Ui::Widget)
 {
+    // Ahead of the boxes, so that it sees them all come.
+    QCoreApplication::instance()->installEventFilter(new InputGuard(this));
     ui->setupUi(this);
     setWindowTitle(QObject::tr("触觉传感器上位机"));
     ui->tabWidget->setCurrentIndex(0);

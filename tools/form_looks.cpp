@@ -5,7 +5,8 @@
 
 void addButtonShortcut(QAbstractButton *button, const QKeySequence &keys)
 {
-    const auto *shortcut = new QShortcut(keys, button);
+    auto *shortcut = new QShortcut(keys, button);
+    shortcut->setAutoRepeat(false);
     QObject::connect(shortcut, &QShortcut::activated, button, &QAbstractButton::click);
     button->setToolTip(keys.toString(QKeySequence::NativeText));
 }

@@ -1,5 +1,6 @@
 #include "app/class_settings.h"
 #include "app/qmain.h"
+#include "monitor/tactViewForm.h"
 #include "sim/SimCh341.h"
 #include "sim/SimUsb.h"
 #include "tests/support/log_capture.h"
@@ -43,6 +44,37 @@ int runTool(const std::function<void(QWidget *)> &whileRunning)
 QTabWidget *tabs(QWidget *window)
 {
     return window->findChild<QTabWidget *>(QStringLiteral("tabWidget"), Qt::FindDirectChildrenOnly);
+}
+
+void turnWheel(QWidget *over)
+{
+    for (const int angle : {-120, 120, 120}) {
+        const QPoint middle = over->rect().center();
+        QWheelEvent event(middle, over->mapToGlobal(middle), {}, {0, angle}, Qt::NoButton, Qt::NoModifier,
+                          Qt::NoScrollPhase, false);
+        // Only what comes from the user goes on to the widget around, and moves the focus.
+        QSpontaneKeyEvent::setSpontaneous(&event);
+        qApp->notify(over, &event);
+    }
+}
+
+/// Turns the wheel over every box of the window. Names those that change or take the focus.
+QStringList boxesThatFollowTheWheel(QWidget *window)
+{
+    QStringList names;
+    window->setFocus();
+    for (QWidget *box : window->findChildren<QWidget *>()) {
+        const auto *combo = qobject_cast<QComboBox *>(box);
+        const auto *spin = qobject_cast<QAbstractSpinBox *>(box);
+        if (combo == nullptr && spin == nullptr)
+            continue;
+        const auto text = [&] { return combo != nullptr ? combo->currentText() : spin->text(); };
+        const QString before = text();
+        turnWheel(box);
+        if (text() != before || box->hasFocus())
+            names.append(box->objectName());
+    }
+    return names;
 }
 
 } // namespace
@@ -165,6 +197,8 @@ private Q_SLOTS:
         SimUsb usb;
         usb.plug(bridge);
         runTool([&](QWidget *window) {
+            // A change of language would start this program again.
+            window->findChild<tactViewForm *>()->setProcessStarter([](const QString &) { return true; });
             auto *devices = window->findChild<QComboBox *>(QStringLiteral("cbbCh341List"));
             const auto *tree = window->findChild<QTreeWidget *>();
             const auto rate = [window] {
@@ -175,12 +209,49 @@ private Q_SLOTS:
                 QTRY_COMPARE(devices->currentText(), QStringLiteral("5002"));
                 window->findChild<QPushButton *>(QStringLiteral("pbtnCh341Connect"))->click();
                 QTRY_VERIFY_WITH_TIMEOUT(rate().size() > 3 && !rate().startsWith(QLatin1String("0/")), 20000);
+                QCOMPARE(boxesThatFollowTheWheel(window), QStringList());
                 tabs(window)->setCurrentIndex(tab);
                 QVERIFY(!bridge->isOpen());
                 QTRY_COMPARE(tree->topLevelItem(0)->childCount(), 0);
                 // The list of the worker that has gone must not be taken for that of the next one.
                 devices->clear();
                 tabs(window)->setCurrentIndex(0);
+            }
+        });
+    }
+
+    void wheelOverABoxScrollsWhatIsAroundIt()
+    {
+        runTool([](QWidget *window) {
+            QScrollArea area(window);
+            auto *box = new QSpinBox;
+            box->setFixedHeight(2000);
+            area.setWidget(box);
+            area.resize(100, 100);
+            area.show();
+            area.verticalScrollBar()->setValue(1000);
+            turnWheel(box);
+            QVERIFY(area.verticalScrollBar()->value() < 1000);
+            QCOMPARE(box->value(), 0);
+        });
+    }
+
+    void aHeldKeyActsOnce()
+    {
+        runTool([](QWidget *window) {
+            tabs(window)->setCurrentIndex(3);
+            auto *command = window->findChild<QLineEdit *>(QStringLiteral("leCh341Write"));
+            const auto *log = window->findChild<QPlainTextEdit *>(QStringLiteral("txtDebugLog"));
+            QApplication::setActiveWindow(window);
+            command->setText(QStringLiteral("11"));
+            command->setFocus();
+            for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::NoModifier}) {
+                const int before = log->document()->blockCount();
+                for (const bool repeats : {false, true, true})
+                    qt_handleKeyEvent(window->windowHandle(), QEvent::KeyPress, Qt::Key_Return, modifier,
+                                      QStringLiteral("\r"), repeats);
+                QTest::keyRelease(command, Qt::Key_Return, modifier);
+                QCOMPARE(log->document()->blockCount(), before + 1);
             }
         });
     }
