@@ -36,6 +36,12 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang")
     -fpch-preprocess)
 endif()
 
+if(MSVC)
+  # The sources are UTF-8 whatever the system's code page is.
+  target_compile_options(tactile_options INTERFACE /utf-8)
+  target_compile_definitions(tactile_options INTERFACE NOMINMAX)
+endif()
+
 if(TACTILE_SANITIZERS)
   target_compile_options(tactile_options INTERFACE
     -fsanitize=${TACTILE_SANITIZERS} -fno-omit-frame-pointer -fno-sanitize-recover=all)

@@ -70,7 +70,7 @@ public:
 
 Q_SIGNALS:
     /// Once a sample, accepted or not: all values that the view shows, in frame order.
-    void si_sendDataStrList(unsigned char infIdx, unsigned char addr, QVector<QString> data);
+    void si_sendDataStrList(uint8_t infIdx, uint8_t addr, QVector<QString> data);
     /// A request for the worker; rspLen as in cmd_ts.
     void si_cmdReq1(uint8_t infIdx, uint8_t addr, QByteArray cmd, uint16_t rspLen);
 

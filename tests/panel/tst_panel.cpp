@@ -148,7 +148,7 @@ private Q_SLOTS:
     {
         PanelBench bench;
         bench.attach(2);
-        QSignalSpy forwarded(bench.panel, &fingerForm::si_sendDataStrList);
+        QSignalSpy forwarded(bench.panel, SIGNAL(si_sendDataStrList(uint8_t, uint8_t, QVector<QString>)));
         bench.sample(PanelBench::fingerFrame(9, {3, 2, -3, 0, 1, 1000001, 6, 7}));
         const QStringList values =
             QStringLiteral("3 2 -3 0 1 1000001 6 7 1.25 0.50 90 7").split(QLatin1Char(' '));
