@@ -103,15 +103,15 @@ QString SampleRecorder::newFileName() const
            QString::asprintf("__%d__0x%02X.csv", m_infIdx + 1, m_addr);
 }
 
-void SampleRecorder::append(const class_finger &view)
+bool SampleRecorder::append(const class_finger &view)
 {
     if (saveFileName.isEmpty())
         saveFileName = newFileName();
     QFile file(saveFileName);
     // Unbuffered, so that the line goes out in one piece and its fate is known at once.
     if (!file.open(QIODevice::Append | QIODevice::Unbuffered)) {
-        qDebug("%s", "文件夹打开失败");
-        return;
+        qDebug("%s", kFailure);
+        return false;
     }
     const qint64 size = file.size();
     QByteArray line;
@@ -120,6 +120,8 @@ void SampleRecorder::append(const class_finger &view)
         line = headerLine(view);
     }
     appendDataLine(line, view);
-    if (!appendWhole(file, size, line))
-        qDebug("%s", "文件夹打开失败");
+    const bool written = appendWhole(file, size, line);
+    if (!written)
+        qDebug("%s", kFailure);
+    return written;
 }

@@ -14,12 +14,16 @@ class class_finger;
 class SampleRecorder
 {
 public:
+    /// What the log says of a sample that was lost.
+    static constexpr const char *kFailure = "文件夹打开失败";
+
     /// infIdx: bus entry from 0; the file name counts from 1.
     SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t addr);
 
     /// Appends what the view holds. Starts a file when no run is on. A sample that cannot be written is lost with a log
-    /// line; the run goes on.
-    void append(const class_finger &view);
+    /// line; the run goes on, and the
+    /// answer is false.
+    bool append(const class_finger &view);
     /// The next sample starts a new file.
     void endRun() { saveFileName.clear(); }
 

@@ -8,6 +8,7 @@
 
 #include <QButtonGroup>
 #include <QLineEdit>
+#include <QStyle>
 #include <QTimer>
 
 namespace {
@@ -112,6 +113,7 @@ void fingerForm::sl_reset(uint8_t inf, uint8_t address)
     for (QLabel *label : {ui->lbVersionTime, ui->lbVersionDate, ui->lbVersion, ui->lbSN, ui->lbAddr, ui->lbHz,
                           ui->lbType, ui->lbCaliTableState})
         label->clear();
+    warnOfLostSample(false);
     {
         // A reset sends nothing, and a change of this box would.
         const QSignalBlocker blocker(ui->cbbSetSendType);
@@ -151,13 +153,24 @@ void fingerForm::sl_updateData(uint8_t inf, uint8_t address, QVector<uint8_t> pa
 
 void fingerForm::save()
 {
-    if (ui->chkbtnSave->checkState() == Qt::Checked)
-        recorder.append(*ff);
-    else
+    if (ui->chkbtnSave->checkState() == Qt::Checked) {
+        warnOfLostSample(!recorder.append(*ff));
+    } else {
         recorder.endRun();
 }
 
 // The view needs forces; the other pages show what the user chose.
+        warnOfLostSample(false);
+    }
+}
+
+void fingerForm::warnOfLostSample(bool lost)
+{
+    QCheckBox *box = ui->chkbtnSave;
+    if (lost != box->icon().isNull())
+        return;
+    box->setIcon(lost ? style()->standardIcon(QStyle::SP_MessageBoxWarning) : QIcon());
+    box->setToolTip(lost ? QString::fromUtf8(SampleRecorder::kFailure) : QString());
 void fingerForm::outputTypeByPage(int page)
 {
     if (page != ui->tabWidget->currentIndex())

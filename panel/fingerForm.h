@@ -111,6 +111,7 @@ private:
     void refreshCells();
     void save();
     void outputTypeByPage(int page);
+    void warnOfLostSample(bool lost);
     void countdownTick();
 
     void send(const QByteArray &frame, uint16_t rspLen);

@@ -151,6 +151,28 @@ private Q_SLOTS:
         QVERIFY(time >= begin && time <= QDateTime::currentMSecsSinceEpoch());
     }
 
+    void warnsOfALostSample()
+    {
+        PanelBench bench;
+        bench.attach(2);
+        auto *box = bench.get<QCheckBox>("chkbtnSave");
+        box->click();
+        const auto warning = [&] {
+            bench.sample(PanelBench::fingerFrame(1, kChannels));
+            return box->icon().isNull() ? QStringLiteral("none") : box->toolTip();
+        };
+        for (int i = 0; i < 2; ++i) {
+            QVERIFY(QDir(recordingFolder()).removeRecursively());
+            QCOMPARE(warning(), QStringLiteral("文件夹打开失败"));
+            if (i == 0)
+                recordingFolder();
+            else
+                box->click();
+            QCOMPARE(warning(), QStringLiteral("none"));
+            QVERIFY(box->toolTip().isEmpty());
+        }
+    }
+
     void beginsAndEndsRuns()
     {
         PanelBench bench;
