@@ -49,6 +49,9 @@ fingerForm::fingerForm(unsigned char inf, unsigned char address, QWidget *parent
     , ui(new Ui::fingerForm)
     , infIdx(inf)
     , addr(address)
+    , port([this](const QByteArray &frame, uint16_t rspLen) {
+        Q_EMIT si_cmdReq1(infIdx, addr, frame, rspLen);
+    })
     , recorder(recordingFolder(), inf, address)
 {
     ui->setupUi(this);
@@ -110,10 +113,10 @@ void fingerForm::sl_reset(uint8_t inf, uint8_t address)
     if (!isMine(inf, address))
         return;
     recorder.endRun();
+    warnOfLostSample(false);
     for (QLabel *label : {ui->lbVersionTime, ui->lbVersionDate, ui->lbVersion, ui->lbSN, ui->lbAddr, ui->lbHz,
                           ui->lbType, ui->lbCaliTableState})
         label->clear();
-    warnOfLostSample(false);
     {
         // A reset sends nothing, and a change of this box would.
         const QSignalBlocker blocker(ui->cbbSetSendType);
@@ -157,9 +160,6 @@ void fingerForm::save()
         warnOfLostSample(!recorder.append(*ff));
     } else {
         recorder.endRun();
-}
-
-// The view needs forces; the other pages show what the user chose.
         warnOfLostSample(false);
     }
 }
@@ -171,6 +171,9 @@ void fingerForm::warnOfLostSample(bool lost)
         return;
     box->setIcon(lost ? style()->standardIcon(QStyle::SP_MessageBoxWarning) : QIcon());
     box->setToolTip(lost ? QString::fromUtf8(SampleRecorder::kFailure) : QString());
+}
+
+// The view needs forces; the other pages show what the user chose.
 void fingerForm::outputTypeByPage(int page)
 {
     if (page != ui->tabWidget->currentIndex())

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "engine/sensor_ts.h"
+#include "panel/RequestPort.h"
 #include "panel/SampleRecorder.h"
 #include "protocol/command.h"
-#include "protocol/frames.h"
 
 #include <QPointer>
 #include <QWidget>
@@ -100,6 +100,7 @@ private:
     void wireParameterControls();
     void onClick(QAbstractButton *button, void (fingerForm::*handler)());
 
+    void offerParameters(bool offered);
     bool buildView(uint8_t program);
     void addCells();
     void alignCells();
@@ -110,15 +111,10 @@ private:
     void askSensor(const sensor_ts &info);
     void refreshCells();
     void save();
-    void outputTypeByPage(int page);
     void warnOfLostSample(bool lost);
+    void outputTypeByPage(int page);
     void countdownTick();
 
-    void send(const QByteArray &frame, uint16_t rspLen);
-    void request(Command command, const RequestPayload &payload, uint16_t rspLen);
-    /// With the catalogue's response length.
-    void request(Command command, const RequestPayload &payload = {});
-    void longRequest(Command command, const QByteArray &payload);
     void requestOnClick(QAbstractButton *button, Command command);
     void requestPerChannel(Command command, int bytesPerChannel);
     void startCountdown(unsigned char seconds);
@@ -197,7 +193,7 @@ private:
     uint8_t sensorNum2 = 0;
     uint8_t sensorNum3 = 0;
     uint8_t prg = 0xFF;
-    uint8_t frameAddr = 0; ///< byte 2 of every request, as the sensor gave it in its sample frame
+    RequestPort port;
     SampleRecorder recorder;
     uint8_t countdown = 0; ///< seconds left
     QTimer *countdownTimer = nullptr;

@@ -45,9 +45,13 @@ void fingerForm::sl_connectedFinger(uint8_t inf, uint8_t address, sensor_ts info
         qDebug("ff err");
         return;
     }
-    if (info.prg == kUnknownPrg && !guessProgram(info))
+    port.close();
+    const QPointer<fingerForm> self(this);
+    const bool known = (info.prg != kUnknownPrg || guessProgram(info)) && buildView(info.prg);
+    if (!self)
         return;
-    if (!buildView(info.prg))
+    offerParameters(known);
+    if (!known)
         return;
     prg = info.prg;
     addCells();
@@ -55,9 +59,16 @@ void fingerForm::sl_connectedFinger(uint8_t inf, uint8_t address, sensor_ts info
     setupCalibrationTables();
     if (ff->info)
         qDebug("%s", ff->info->name);
-    frameAddr = info.type;
+    port.open(info.type);
     askSensor(info);
     ff->setShowData(ui->chkbtnShowData->isChecked());
+}
+
+// Nothing on these pages does anything for a sensor of an unknown model.
+void fingerForm::offerParameters(bool offered)
+{
+    for (QWidget *page : {ui->tab_4, ui->tab_3})
+        ui->tabWidget->setTabEnabled(ui->tabWidget->indexOf(page), offered);
 }
 
 // False when there is no view for the program id, and when the panel did not outlive the box that a view without a

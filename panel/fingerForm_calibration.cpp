@@ -110,20 +110,21 @@ void fingerForm::setupCalibrationTables()
 
 void fingerForm::getCaliNList()
 {
-    request(Command::GetCalibrationForces, {},
-            static_cast<uint16_t>(4 * calibrationPoints() + kForceListOverhead));
+    port.request(Command::GetCalibrationForces, {},
+                 static_cast<uint16_t>(4 * calibrationPoints() + kForceListOverhead));
 }
 
 void fingerForm::getCaliCh(unsigned char ch)
 {
-    request(Command::GetCalibration, {ch}, static_cast<uint16_t>(4 * calibrationPoints() + kFrameOverhead));
+    port.request(Command::GetCalibration, {ch},
+                 static_cast<uint16_t>(4 * calibrationPoints() + kFrameOverhead));
 }
 
 void fingerForm::getCaliState()
 {
     const auto length = static_cast<uint16_t>(calibratedChannels() + kFrameOverhead);
     qDebug("getCaliState:%d", length);
-    request(Command::GetCalibrationState, {}, length);
+    port.request(Command::GetCalibrationState, {}, length);
 }
 
 void fingerForm::showCalibrationForces(const QByteArray &, const QByteArray &rsp)
@@ -186,16 +187,16 @@ void fingerForm::editCalibrationPoint(uint8_t channel, const QLineEdit *edit)
 void fingerForm::sendCalibrationPoint(uint8_t channel, uint8_t point, uint32_t value)
 {
     if (value <= kShortPointMax) {
-        request(Command::SetCalibrationPoint,
-                {channel, point, static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8U),
-                 static_cast<uint8_t>(value >> 16U)});
+        port.request(Command::SetCalibrationPoint,
+                     {channel, point, static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8U),
+                      static_cast<uint8_t>(value >> 16U)});
         return;
     }
     QByteArray payload;
     payload += static_cast<char>(channel);
     payload += static_cast<char>(point);
     appendWord(payload, value);
-    longRequest(Command::SetCalibrationPoint, payload);
+    port.longRequest(Command::SetCalibrationPoint, payload);
 }
 
 QString fingerForm::calibrationCell(int row, int column) const
@@ -237,7 +238,7 @@ bool fingerForm::clearsInOneStep() const
 void fingerForm::clearChannel(uint8_t channel)
 {
     const QByteArray points(4 * calibrationPoints(), '\0');
-    longRequest(Command::ClearCalibration, QByteArray(1, static_cast<char>(channel)) + points);
+    port.longRequest(Command::ClearCalibration, QByteArray(1, static_cast<char>(channel)) + points);
     getCaliCh(channel);
 }
 

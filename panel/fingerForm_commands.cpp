@@ -6,7 +6,6 @@
 
 #include "engine/cmd_ts.h"
 #include "panel/force_threshold.h"
-#include "protocol/class_sensorCmd.h"
 #include "protocol/payloads.h"
 
 #include <QDebug>
@@ -80,53 +79,32 @@ void fingerForm::onClick(QAbstractButton *button, void (fingerForm::*handler)())
 
 void fingerForm::requestOnClick(QAbstractButton *button, Command command)
 {
-    connect(button, &QAbstractButton::clicked, this, [this, command] { request(command); });
-}
-
-void fingerForm::send(const QByteArray &frame, uint16_t rspLen)
-{
-    Q_EMIT si_cmdReq1(infIdx, addr, frame, rspLen);
-}
-
-void fingerForm::request(Command command, const RequestPayload &payload, uint16_t rspLen)
-{
-    send(requestFrame(frameAddr, static_cast<uint8_t>(command), payload), rspLen);
-}
-
-void fingerForm::request(Command command, const RequestPayload &payload)
-{
-    request(command, payload, class_sensorCmd::getRspLen(static_cast<uint8_t>(command)));
-}
-
-void fingerForm::longRequest(Command command, const QByteArray &payload)
-{
-    const auto code = static_cast<uint8_t>(command);
-    send(longRequestFrame(frameAddr, code, payload), class_sensorCmd::getRspLen(code));
+    connect(button, &QAbstractButton::clicked, this, [this, command] { port.request(command); });
 }
 
 void fingerForm::requestPerChannel(Command command, int bytesPerChannel)
 {
-    request(command, {}, static_cast<uint16_t>(bytesPerChannel * channelCount() + kFrameOverhead));
+    port.request(command, {}, static_cast<uint16_t>(bytesPerChannel * channelCount() + kFrameOverhead));
 }
 
 void fingerForm::getVersion()
 {
-    request(Command::GetVersion, {}, kVersionLength);
+    port.request(Command::GetVersion, {}, kVersionLength);
 }
 
 void fingerForm::getPrg()
 {
-    request(Command::GetProgram, {}, kShortAnswerLength);
+    port.request(Command::GetProgram, {}, kShortAnswerLength);
 }
 
 void fingerForm::getSN()
 {
-    request(Command::GetSerialNumber, {}, kUnknownResponse);
+    port.request(Command::GetSerialNumber, {}, kUnknownResponse);
 }
 
 void fingerForm::getSensorNum()
 {
-    request(Command::GetSensorNum, {}, kShortAnswerLength);
+    port.request(Command::GetSensorNum, {}, kShortAnswerLength);
 }
 
 void fingerForm::getDac()
@@ -136,23 +114,23 @@ void fingerForm::getDac()
 
 void fingerForm::getProxClearTouch()
 {
-    request(Command::GetProxClearTouch);
+    port.request(Command::GetProxClearTouch);
 }
 
 void fingerForm::getAutoDacPowerUp()
 {
-    request(Command::GetAutoDacPowerUp);
+    port.request(Command::GetAutoDacPowerUp);
 }
 
 void fingerForm::getReleaseThreshold()
 {
-    request(Command::GetPressReleaseThreshold);
-    request(Command::GetProxReleaseThreshold);
+    port.request(Command::GetPressReleaseThreshold);
+    port.request(Command::GetProxReleaseThreshold);
 }
 
 void fingerForm::setMode(unsigned char mode)
 {
-    request(Command::SetMode, {mode});
+    port.request(Command::SetMode, {mode});
 }
 
 // The one refresh: the attach, every countdown and every delayed reread click its button. Reads as many parameters as
@@ -188,8 +166,8 @@ void fingerForm::startCountdown(unsigned char seconds)
 
 void fingerForm::autoThreshold()
 {
-    request(Command::AutoThreshold,
-            payloadByteAndWord(lowByte(ui->spbThresholdSNR->value()), word(ui->spbThresholdMin->value())));
+    port.request(Command::AutoThreshold, payloadByteAndWord(lowByte(ui->spbThresholdSNR->value()),
+                                                            word(ui->spbThresholdMin->value())));
     startCountdown(10);
 }
 
@@ -215,12 +193,12 @@ void fingerForm::setSendType(int type)
 
 void fingerForm::requestSendType(uint8_t type)
 {
-    request(Command::SetSendType, payloadByte7(type));
+    port.request(Command::SetSendType, payloadByte7(type));
 }
 
 void fingerForm::setIicAddress()
 {
-    request(Command::SetIicAddress, payloadByte7(lowByte(ui->spbIICAddr->value())));
+    port.request(Command::SetIicAddress, payloadByte7(lowByte(ui->spbIICAddr->value())));
 }
 
 void fingerForm::restoreFactory()
@@ -229,13 +207,13 @@ void fingerForm::restoreFactory()
     const auto answer = QMessageBox::question(nullptr, tr("提示"), tr("确认回复出厂设置？"),
                                               QMessageBox::Reset | QMessageBox::No, QMessageBox::No);
     if (self && answer == QMessageBox::Reset)
-        request(Command::RestoreFactory);
+        port.request(Command::RestoreFactory);
 }
 
 void fingerForm::setTouchThreshold()
 {
     const auto hundredths = static_cast<uint32_t>(ui->dspbTouchThreshold->value() * 100);
-    request(Command::SetTouchThreshold, payloadByteAndWord(1, hundredths));
+    port.request(Command::SetTouchThreshold, payloadByteAndWord(1, hundredths));
     rereadLater(kThresholdRereadMs);
 }
 
@@ -254,48 +232,48 @@ void fingerForm::setPressThreshold()
     const uint32_t threshold =
         thresholdForForce(caliNList, curve, static_cast<float>(ui->dspbSetPressThresholdPress->value()));
     qDebug("%u", threshold);
-    request(Command::SetChannelThreshold, payloadByteAndWord(static_cast<uint8_t>(channel), threshold));
+    port.request(Command::SetChannelThreshold, payloadByteAndWord(static_cast<uint8_t>(channel), threshold));
     rereadLater(kThresholdRereadMs);
 }
 
 void fingerForm::setProxClearTouch()
 {
-    request(Command::SetProxClearTouch, payloadByteAndWord(switchedOn(ui->chkbtnProxClearTouch),
-                                                           word(ui->spbProxClearTouchTimeout->value())));
+    port.request(Command::SetProxClearTouch, payloadByteAndWord(switchedOn(ui->chkbtnProxClearTouch),
+                                                                word(ui->spbProxClearTouchTimeout->value())));
     getProxClearTouch();
 }
 
 void fingerForm::setAutoDacPowerUp()
 {
-    request(Command::SetAutoDacPowerUp, {switchedOn(ui->chkbtnAutoDacPowerUp)});
+    port.request(Command::SetAutoDacPowerUp, {switchedOn(ui->chkbtnAutoDacPowerUp)});
 }
 
 void fingerForm::setTemperature()
 {
-    request(Command::SetTemperature,
-            payloadWordAndByte(floatBits(static_cast<float>(ui->dspbTempCali->value())), 0));
+    port.request(Command::SetTemperature,
+                 payloadWordAndByte(floatBits(static_cast<float>(ui->dspbTempCali->value())), 0));
 }
 
 void fingerForm::setPressReleaseThreshold()
 {
-    request(Command::SetPressReleaseThreshold,
-            payloadWordAndByte(word(ui->spbPressReleaseThreshold->value()),
-                               lowByte(ui->spbPressReleaseThresholdScale->value())));
+    port.request(Command::SetPressReleaseThreshold,
+                 payloadWordAndByte(word(ui->spbPressReleaseThreshold->value()),
+                                    lowByte(ui->spbPressReleaseThresholdScale->value())));
 }
 
 void fingerForm::setProxReleaseThreshold()
 {
-    request(Command::SetProxReleaseThreshold,
-            payloadWordAndByte(word(ui->spbProxReleaseThreshold->value()),
-                               lowByte(ui->spbProxReleaseThresholdScale->value())));
+    port.request(Command::SetProxReleaseThreshold,
+                 payloadWordAndByte(word(ui->spbProxReleaseThreshold->value()),
+                                    lowByte(ui->spbProxReleaseThresholdScale->value())));
 }
 
 void fingerForm::resetChannel(unsigned char ch)
 {
-    request(Command::ResetChannel, {ch});
+    port.request(Command::ResetChannel, {ch});
 }
 
 void fingerForm::enableChannel(unsigned char ch, bool on)
 {
-    request(Command::EnableChannel, {ch, 0, 0, static_cast<uint8_t>(on), 0});
+    port.request(Command::EnableChannel, {ch, 0, 0, static_cast<uint8_t>(on), 0});
 }

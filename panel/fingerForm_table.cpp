@@ -87,9 +87,9 @@ void fingerForm::sendCell(const Column &column, int row, const QString &text)
         return;
     const auto channel = static_cast<uint8_t>(row);
     if (column.wide)
-        request(column.command, payloadByteAndWord(channel, text.toUInt()));
+        port.request(column.command, payloadByteAndWord(channel, text.toUInt()));
     else
-        request(column.command, {channel, lowByte(text)});
+        port.request(column.command, {channel, lowByte(text)});
 }
 
 void fingerForm::setThreshold(const QVector<unsigned int> &values)
@@ -159,7 +159,7 @@ void fingerForm::sendFilter(int row, const QString &first, const QString &second
     payload += static_cast<char>(lowByte(first));
     payload += static_cast<char>(lowByte(second));
     appendWord(payload, floatBits(third.toFloat()));
-    longRequest(Command::SetFilter, payload);
+    port.longRequest(Command::SetFilter, payload);
 }
 
 void fingerForm::setDac(const QVector<unsigned char> &first, const QVector<unsigned char> &second,

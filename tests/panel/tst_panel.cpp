@@ -204,6 +204,35 @@ private Q_SLOTS:
         QCOMPARE(bench.takeSent(), kAttachOfFinger);
     }
 
+    void sendsNothingToAnUnknownModel()
+    {
+        PanelBench bench;
+        bench.attach(2);
+        bench.get<QTabWidget>("tabWidget")->setCurrentIndex(2);
+        const auto pages = [&bench] {
+            QString enabled;
+            for (const char *page : {"tab", "tab_4", "tab_3"})
+                enabled += QString::number(bench.get<QWidget>(page)->isEnabled());
+            return enabled;
+        };
+        // No view for the id; no model of that length.
+        for (const auto &[prg, length] : {std::pair{0xEE, 0}, std::pair{0xFF, 9}}) {
+            bench.takeSent();
+            bench.attach(static_cast<uint8_t>(prg), length);
+            for (QAbstractButton *button : bench.panel->findChildren<QAbstractButton *>())
+                if (button->objectName() != QLatin1String("pbtnSetFactor"))
+                    Q_EMIT button->clicked();
+            bench.panel->getSN();
+            bench.get<QTabWidget>("tabWidget")->setCurrentIndex(0);
+            bench.get<QComboBox>("cbbSetSendType")->setCurrentIndex(prg == 0xFF ? 2 : 1);
+            QCOMPARE(bench.takeSent(), QStringList());
+            QCOMPARE(pages(), QStringLiteral("100"));
+        }
+        bench.attach(2);
+        QCOMPARE(pages(), QStringLiteral("111"));
+        QCOMPARE(bench.takeSent(), kAttachOfFinger);
+    }
+
     void dropsAHalfTypedCell()
     {
         for (const int page : {2, 3}) {

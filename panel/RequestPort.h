@@ -1,0 +1,39 @@
+#pragma once
+
+#include "protocol/command.h"
+#include "protocol/frames.h"
+
+#include <QByteArray>
+
+#include <cstdint>
+#include <functional>
+
+/// Where all requests of one panel leave, as finished frames.
+///
+/// A closed port drops what it is asked for: without a model the frame address is unknown, and the general address
+/// would command every sensor on the line.
+class RequestPort
+{
+public:
+    /// frame: a whole request; rspLen as in cmd_ts.
+    using Send = std::function<void(const QByteArray &frame, uint16_t rspLen)>;
+
+    explicit RequestPort(Send send);
+
+    /// From now on requests leave. frameAddress: byte 2 of each, as the sensor gave it in its sample frame.
+    void open(uint8_t frameAddress);
+    void close() { m_open = false; }
+
+    void request(Command command, const RequestPayload &payload, uint16_t rspLen);
+    /// With the catalogue's response length.
+    void request(Command command, const RequestPayload &payload = {});
+    /// A frame of another length than the usual.
+    void longRequest(Command command, const QByteArray &payload);
+
+private:
+    void leave(const QByteArray &frame, uint16_t rspLen);
+
+    Send m_send;
+    uint8_t m_frameAddress = 0;
+    bool m_open = true;
+};
