@@ -168,6 +168,7 @@ private:
     template<typename Value>
     void fillColumn(const Column &column, const QVector<Value> &values);
     void sendCell(const Column &column, int row, const QString &text);
+    std::array<QLineEdit *, 3> filterRow(int row) const;
     void placeFilterRow(int row, const std::array<QLineEdit *, 3> &edits);
     void sendFilter(int row, const QString &first, const QString &second, const QString &third);
 

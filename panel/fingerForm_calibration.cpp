@@ -4,6 +4,7 @@
 
 #include "ui_fingerForm.h"
 
+#include "panel/cell_edit.h"
 #include "protocol/finger_info.h"
 #include "protocol/payloads.h"
 #include "views/class_finger.h"
@@ -160,14 +161,18 @@ void fingerForm::setCaliCh(unsigned char ch, const QVector<unsigned int> &curve)
         return;
     }
     for (int row = 0; row < curve.size(); ++row) {
-        auto *edit = new QLineEdit(QString::number(curve.at(row)), table);
+        const QString text = QString::number(curve.at(row));
+        if (QLineEdit *edit = cellEdit(table, row, ch)) {
+            refillCellEdit(edit, text);
+            edit->setStyleSheet(cellStyle(curve, row));
+            continue;
+        }
+        QLineEdit *edit = makeCellEdit(table, text);
         edit->setObjectName(QStringLiteral("le") + QString::number(row));
-        edit->setAlignment(Qt::AlignCenter);
         edit->setStyleSheet(cellStyle(curve, row));
         edit->setValidator(new QIntValidator(0, 2147483647, edit));
         connect(edit, &QLineEdit::editingFinished, this,
                 [this, ch, edit] { editCalibrationPoint(ch, edit); });
-        table->removeCellWidget(row, ch);
         table->setCellWidget(row, ch, edit);
     }
     table->resizeRowsToContents();
@@ -201,7 +206,7 @@ void fingerForm::sendCalibrationPoint(uint8_t channel, uint8_t point, uint32_t v
 
 QString fingerForm::calibrationCell(int row, int column) const
 {
-    const auto *edit = qobject_cast<QLineEdit *>(ui->tbwCaliTable->cellWidget(row, column));
+    const QLineEdit *edit = cellEdit(ui->tbwCaliTable, row, column);
     return edit ? edit->text() : QString();
 }
 

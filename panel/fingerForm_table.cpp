@@ -4,6 +4,7 @@
 
 #include "ui_fingerForm.h"
 
+#include "panel/cell_edit.h"
 #include "protocol/payloads.h"
 
 #include <QIntValidator>
@@ -27,19 +28,6 @@ namespace {
 enum FilterColumn { kFilterFirst = 3, kFilterSecond = 4, kFilterThird = 5 };
 enum DacColumn { kDacFirst = 7, kDacSecond = 8, kDacThird = 9 };
 constexpr int kFilterMax = 16;
-
-QLineEdit *makeEdit(QTableWidget *table, const QString &text)
-{
-    auto *edit = new QLineEdit(text, table);
-    edit->setAlignment(Qt::AlignCenter);
-    return edit;
-}
-
-void placeInTable(QTableWidget *table, int row, int column, QLineEdit *edit)
-{
-    table->removeCellWidget(row, column);
-    table->setCellWidget(row, column, edit);
-}
 
 void limit(QLineEdit *edit, int minimum, int maximum)
 {
@@ -73,11 +61,16 @@ void fingerForm::fillColumn(const Column &column, const QVector<Value> &values)
     if (column.index >= table->columnCount())
         return;
     for (int row = 0; row < values.size(); ++row) {
-        QLineEdit *edit = makeEdit(table, QString::number(values.at(row)));
+        const QString text = QString::number(values.at(row));
+        if (QLineEdit *edit = cellEdit(table, row, column.index)) {
+            refillCellEdit(edit, text);
+            continue;
+        }
+        QLineEdit *edit = makeCellEdit(table, text);
         limit(edit, column.minimum, column.maximum);
         connect(edit, &QLineEdit::editingFinished, this,
                 [this, column, row, edit] { sendCell(column, row, edit->text()); });
-        placeInTable(table, row, column.index, edit);
+        table->setCellWidget(row, column.index, edit);
     }
 }
 
@@ -121,9 +114,16 @@ void fingerForm::setFilter(const QVector<unsigned char> &first, const QVector<un
     if (table->columnCount() <= kFilterFirst)
         return;
     for (int row = 0; row < first.size(); ++row) {
-        const std::array<QLineEdit *, 3> edits = {makeEdit(table, QString::number(first.at(row))),
-                                                  makeEdit(table, QString::number(second.at(row))),
-                                                  makeEdit(table, QString::number(third.at(row), 'g', 6))};
+        const std::array<QString, 3> texts = {QString::number(first.at(row)), QString::number(second.at(row)),
+                                              QString::number(third.at(row), 'g', 6)};
+        std::array<QLineEdit *, 3> edits = filterRow(row);
+        if (edits[0] && edits[1] && edits[2]) {
+            for (size_t i = 0; i < edits.size(); ++i)
+                refillCellEdit(edits.at(i), texts.at(i));
+            continue;
+        }
+        for (size_t i = 0; i < edits.size(); ++i)
+            edits.at(i) = makeCellEdit(table, texts.at(i));
         limit(edits[0], 0, kFilterMax);
         limit(edits[1], 0, kFilterMax);
         for (QLineEdit *edit : edits)
@@ -134,6 +134,20 @@ void fingerForm::setFilter(const QVector<unsigned char> &first, const QVector<un
     }
 }
 
+// The edits that placeFilterRow() placed; null for those that are not there, as after a change of the columns.
+std::array<QLineEdit *, 3> fingerForm::filterRow(int row) const
+{
+    const QTableWidget *table = ui->tbwThreshold;
+    const std::array<int, 3> columns = {kFilterFirst, kFilterSecond, kFilterThird};
+    const QLineEdit *front = cellEdit(table, row, kFilterFirst);
+    std::array<QLineEdit *, 3> edits{};
+    for (size_t i = 0; front && i < edits.size(); ++i)
+        edits.at(i) = columns.at(i) < table->columnCount()
+                          ? cellEdit(table, row, columns.at(i))
+                          : front->findChild<QLineEdit *>(QString::number(columns.at(i)));
+    return edits;
+}
+
 // The three values of a row go out together, so an edit without a column of its own lives on unseen with the first.
 void fingerForm::placeFilterRow(int row, const std::array<QLineEdit *, 3> &edits)
 {
@@ -141,9 +155,10 @@ void fingerForm::placeFilterRow(int row, const std::array<QLineEdit *, 3> &edits
     for (size_t i = 0; i < edits.size(); ++i) {
         const int column = kFilterFirst + static_cast<int>(i);
         if (column < table->columnCount()) {
-            placeInTable(table, row, column, edits.at(i));
+            table->setCellWidget(row, column, edits.at(i));
             continue;
         }
+        edits.at(i)->setObjectName(QString::number(column));
         edits.at(i)->setParent(edits.front());
         edits.at(i)->hide();
     }
@@ -171,10 +186,14 @@ void fingerForm::setDac(const QVector<unsigned char> &first, const QVector<unsig
     const auto place = [table](int row, int column, int value) {
         if (column >= table->columnCount())
             return;
-        QLineEdit *edit = makeEdit(table, QString::number(value));
+        if (QLineEdit *edit = cellEdit(table, row, column)) {
+            refillCellEdit(edit, QString::number(value));
+            return;
+        }
+        QLineEdit *edit = makeCellEdit(table, QString::number(value));
         edit->setReadOnly(true);
         edit->setEnabled(false);
-        placeInTable(table, row, column, edit);
+        table->setCellWidget(row, column, edit);
     };
     for (int row = 0; row < first.size(); ++row) {
         place(row, kDacFirst, first.at(row));

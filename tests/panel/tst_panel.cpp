@@ -233,6 +233,36 @@ private Q_SLOTS:
         QCOMPARE(bench.takeSent(), kAttachOfFinger);
     }
 
+    void keepsWhatIsBeingTyped()
+    {
+        CalibrationBench bench;
+        bench.get<QTableWidget>("tbwThreshold")->setColumnCount(10);
+        bench.panel->show();
+        QVERIFY(QTest::qWaitForWindowActive(bench.panel));
+        const auto refresh = [&bench](int value) {
+            fillAllColumns(bench);
+            bench.curve(0, QString::asprintf("%02x000000%02x000000%02x000000", value, value + 1, value + 2));
+        };
+        refresh(10);
+        for (const int column : {0, 1, 3, 5, -1}) {
+            bench.get<QTabWidget>("tabWidget")->setCurrentIndex(column < 0 ? 3 : 2);
+            QLineEdit *edit = column < 0 ? bench.point(1, 0) : cell(bench, 1, column);
+            const QString before = edit->text();
+            edit->setFocus();
+            edit->selectAll();
+            QTest::keyClick(edit, Qt::Key_1);
+            QTest::keyClick(edit, Qt::Key_3);
+            refresh(10);
+            QCOMPARE(column < 0 ? bench.point(1, 0) : cell(bench, 1, column), edit);
+            QCOMPARE(edit->text(), QStringLiteral("13"));
+            QTest::keyClick(edit, Qt::Key_Return);
+            refresh(10);
+            QCOMPARE(edit->text(), before);
+        }
+        refresh(20);
+        QCOMPARE(bench.point(0, 0)->text(), QStringLiteral("20"));
+    }
+
     void dropsAHalfTypedCell()
     {
         for (const int page : {2, 3}) {

@@ -1,0 +1,12 @@
+#pragma once
+
+class QLineEdit;
+class QString;
+class QTableWidget;
+
+/// The editor in a cell of a table; null where there is none.
+QLineEdit *cellEdit(const QTableWidget *table, int row, int column);
+/// A centred editor for a cell. Finishing an edit makes its text one that an answer may replace.
+QLineEdit *makeCellEdit(QTableWidget *table, const QString &text);
+/// Shows what an answer says, except where the user is typing.
+void refillCellEdit(QLineEdit *edit, const QString &text);
