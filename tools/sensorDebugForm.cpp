@@ -97,13 +97,18 @@ void sensorDebugForm::start()
 void sensorDebugForm::stop()
 {
     qDebug("sensorDebugForm stop");
+    // Leaving the tab is no reason to change it.
+    const QString text = ui->pbtnInfConnect->text();
     uartDeinit();
     ch341Deinit();
     ch347Deinit();
+    ui->pbtnInfConnect->setText(text);
 }
 
 void sensorDebugForm::chooseCh341()
 {
+    if (ch341 != nullptr)
+        return;
     refillSpeedBox({QStringLiteral("20K"), QStringLiteral("100K"), QStringLiteral("400K")});
     uartDeinit();
     ch347Deinit();
@@ -113,6 +118,8 @@ void sensorDebugForm::chooseCh341()
 
 void sensorDebugForm::chooseCh347()
 {
+    if (ch347 != nullptr)
+        return;
     refillSpeedBox({QStringLiteral("100K"), QStringLiteral("400K"), QStringLiteral("750K")});
     uartDeinit();
     ch341Deinit();
@@ -122,6 +129,8 @@ void sensorDebugForm::chooseCh347()
 
 void sensorDebugForm::chooseUart()
 {
+    if (uart != nullptr)
+        return;
     refillSpeedBox({QStringLiteral("115200"), QStringLiteral("460800"), QStringLiteral("921600")});
     ch341Deinit();
     ch347Deinit();
@@ -137,9 +146,8 @@ void sensorDebugForm::refillSpeedBox(const QStringList &speeds)
 
 void sensorDebugForm::uartInit()
 {
-    if (uart != nullptr)
-        return;
     uart = new class_uart(this);
+    connect(uart, &class_uart::si_close, this, [this] { showConnected(false); });
     const auto *poller = new SerialPortPoller(uart, [this] { return ui->rbtnUart->isChecked(); });
     connect(poller, &SerialPortPoller::portsListed, this,
             [this](const QStringList &names) { refillDeviceBox(ui->cbbDevInf, names); });
@@ -148,10 +156,10 @@ void sensorDebugForm::uartInit()
 
 void sensorDebugForm::ch341Init()
 {
-    if (ch341 != nullptr)
-        return;
     ch341 = new class_ch341(this);
+    connect(ch341, &class_ch341::si_disconnected, this, [this] { showConnected(false); });
     connect(ch341, &class_ch341::si_connected, this, [this] {
+        showConnected(true); // also when the link comes back by itself, from another index
         setUpBusAtSpeed(*ch341, static_cast<ch341_iic_speed_te>(ui->cbbDevSpeed->currentIndex()));
         pcaReset();
     });
@@ -163,15 +171,16 @@ void sensorDebugForm::ch341Init()
 
 void sensorDebugForm::ch347Init()
 {
-    if (ch347 != nullptr)
-        return;
     ch347 = new class_ch347(this);
     connect(ch347, &class_ch347::si_connected, this, [this] {
         setUpBusAtSpeed(*ch347, static_cast<ch347_iic_speed_te>(ui->cbbDevSpeed->currentIndex() + 1));
         pcaReset();
         qDebug("ch347 connect");
     });
-    connect(ch347, &class_ch347::si_disconnected, this, [] { qDebug("ch347 disconnect"); });
+    connect(ch347, &class_ch347::si_disconnected, this, [this] {
+        qDebug("ch347 disconnect");
+        showConnected(false);
+    });
     connect(ch347, &class_ch347::si_updateList, this, [this](const QVector<uint16_t> &ids) {
         if (ui->rbtnIICCh347->isChecked())
             refillDeviceBox(ui->cbbDevInf, deviceIdTexts(ids));
@@ -205,12 +214,17 @@ void sensorDebugForm::toggleConnection()
 {
     if (ui->pbtnInfConnect->text() == QObject::tr("断开")) {
         closeLink();
-        ui->pbtnInfConnect->setText(QObject::tr("连接"));
+        showConnected(false);
         return;
     }
     const QString device = ui->cbbDevInf->currentText();
     if (!device.isEmpty() && openLink(device))
-        ui->pbtnInfConnect->setText(QObject::tr("断开"));
+        showConnected(true);
+}
+
+void sensorDebugForm::showConnected(bool connected)
+{
+    ui->pbtnInfConnect->setText(connected ? QObject::tr("断开") : QObject::tr("连接"));
 }
 
 bool sensorDebugForm::openLink(const QString &device)

@@ -49,6 +49,7 @@ private:
     void pcaReset();
 
     void toggleConnection();
+    void showConnected(bool connected);
     bool openLink(const QString &device);
     void closeLink();
     bool isBridgeChosen() const;

@@ -10,6 +10,8 @@
 #include "tools/form_looks.h"
 #include "ui_setSensorAddrForm.h"
 
+#include <QScopedValueRollback>
+
 namespace {
 
 constexpr int kScanIntervalMs = 50;
@@ -185,6 +187,8 @@ void setSensorAddrForm::bridgeInit(QPointer<Bridge> &link, Interface kind, const
         infOpen();
         setUpSensorBus(*bridge);
         pcaReset();
+        if (!m_opening)
+            restoreChoice(*bridge);
     });
     connect(bridge, &Bridge::si_disconnected, this, [this, bridge, name] {
         qDebug("%s disconnect", name);
@@ -268,8 +272,24 @@ void setSensorAddrForm::toggleBridge(Bridge &bridge)
         return;
     }
     const QString id = ui->cbbInfList->currentText();
-    if (id.isEmpty() || ui->cbbInfArg->currentText().isEmpty() || !bridge.open(id.toUShort()))
+    if (id.isEmpty() || ui->cbbInfArg->currentText().isEmpty())
         return;
+    m_openId = id;
+    const QScopedValueRollback<bool> opening(m_opening, true);
+    if (bridge.open(id.toUShort()))
+        selectBoard(bridge);
+}
+
+template<typename Bridge>
+void setSensorAddrForm::restoreChoice(Bridge &bridge)
+{
+    ui->cbbInfList->setCurrentText(m_openId);
+    selectBoard(bridge);
+}
+
+template<typename Bridge>
+void setSensorAddrForm::selectBoard(Bridge &bridge)
+{
     setSensorSpeed(bridge);
     const uint8_t mask = adapterBoardMask(ui->cbbInfArg->currentIndex());
     bridge.write(kPca9548Address, &mask, 1);

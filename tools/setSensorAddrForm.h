@@ -53,6 +53,11 @@ private:
     void toggleSerial();
     template<typename Bridge>
     void toggleBridge(Bridge &bridge);
+    /// After a bridge that has moved to another index was opened again by itself.
+    template<typename Bridge>
+    void restoreChoice(Bridge &bridge);
+    template<typename Bridge>
+    void selectBoard(Bridge &bridge);
     void infOpen();
     void infClose();
     void setInterfaceEnabled(bool enabled);
@@ -75,4 +80,6 @@ private:
     QPointer<class_uart> uart;
     QPointer<class_ch347> ch347;
     uint8_t setReq = 0; // 1 when the next poll must send the set frame
+    QString m_openId;   // the bridge that was opened last, as the list shows it
+    bool m_opening = false;
 };

@@ -133,8 +133,10 @@ void setSensorAddrForm::sensorAnswered(uint8_t command)
 
 void setSensorAddrForm::countSilence()
 {
-    if (!isLinkOpen())
+    if (!isLinkOpen()) {
         timerAlive->stop();
+        return;
+    }
     ++alive;
     if (alive < kGoneTicks)
         return;

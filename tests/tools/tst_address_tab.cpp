@@ -236,6 +236,33 @@ private Q_SLOTS:
         QTRY_COMPARE(tab.state->text(), kConnected);
     }
 
+    void followsABridgeThatMoves()
+    {
+        LinkBench bench(Kind::Ch341);
+        const auto sensor = bench.plugSensor(0x05, kChannelOfBoard1);
+        AddressTab tab;
+        tab.open(bench);
+        QTRY_COMPARE(tab.state->text(), kConnected);
+        bench.usb.plug(std::make_shared<SimCh341>(std::make_shared<SimI2cBus>(), 4, 1), 0);
+        QTRY_COMPARE(tab.list->count(), 2);
+        QTRY_COMPARE(bench.writesTo(0x70).size(), 4);
+        QCOMPARE(bench.writesTo(0x70).last(), QStringLiteral("10"));
+        QCOMPARE(tab.list->currentText(), bench.id());
+        QTRY_COMPARE(tab.state->text(), kConnected);
+
+        // Closed while the watchdog waits for its last tick.
+        QTimer *watchdog = nullptr;
+        for (auto *timer : tab.form.findChildren<QTimer *>())
+            watchdog = timer->interval() == 100 ? timer : watchdog;
+        QVERIFY(watchdog != nullptr);
+        bench.unplug(sensor);
+        QSignalSpy ticks(watchdog, &QTimer::timeout);
+        QTRY_VERIFY(ticks.size() >= 3);
+        tab.connection->click();
+        QTRY_VERIFY(!watchdog->isActive());
+        QCOMPARE(tab.state->text(), kClosed);
+    }
+
     void leavingTakesTheLinkDown()
     {
         LinkBench bench(Kind::Serial);

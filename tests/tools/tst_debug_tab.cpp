@@ -308,6 +308,30 @@ private Q_SLOTS:
         }
     }
 
+    void buttonFollowsTheLink()
+    {
+        const QString connect = QStringLiteral("连接");
+        LinkBench bench(Kind::Ch341);
+        DebugTab tab;
+        tab.open(bench, 2);
+        tab.choose(Kind::Ch341);
+        QCOMPARE(tab.speed->currentIndex(), 2);
+        QCOMPARE(tab.connection->text(), QStringLiteral("断开"));
+        // Another bridge before it makes the link go down and up.
+        const auto other = std::make_shared<SimCh341>(std::make_shared<SimI2cBus>(), 4, 1);
+        bench.usb.plug(other, 0);
+        QTRY_COMPARE(bench.writesTo(0x70).size(), 2);
+        QCOMPARE(tab.connection->text(), QStringLiteral("断开"));
+        bench.usb.unplug(bench.bridge);
+        QTRY_COMPARE(tab.connection->text(), connect);
+        bench.restore();
+        tab.open(bench);
+        for (const Kind kind : {Kind::Ch347, Kind::Serial}) {
+            tab.choose(kind);
+            QCOMPARE(tab.connection->text(), connect);
+        }
+    }
+
     void keysPressTheButtons()
     {
         const LinkBench bench(Kind::Serial);
