@@ -146,6 +146,8 @@ void fingerThread::setUpTimers()
     timerHz = newTimer(&fingerThread::publishRates);
     timerTick = newTimer(&fingerThread::advanceTicks);
     timerLost = newTimer(&fingerThread::ageSensors);
+    if (ch341 != nullptr)
+        connect(timerLost, &QTimer::timeout, ch341, &class_ch341::keepNoticed);
     timerLost->start(kLostIntervalMs);
 }
 

@@ -45,9 +45,10 @@ int8_t openListedBridge(const BridgeState &state, uint16_t id, int indexCount, O
 }
 
 /// Follows an open bridge after arrivals and removals: closes the link when its device has gone, and opens it again when
-/// other bridges that came or went have moved its device to another index.
+/// other bridges that came or went have moved its device to another index. The latter waits for the latest list, since an
+/// index of an earlier one may by now be another bridge's.
 template<typename Link>
-void followOpenBridge(Link &link, const BridgeState &state, uint32_t status)
+void followOpenBridge(Link &link, const BridgeState &state, uint32_t status, bool isLatest = true)
 {
     if (!state.isOpen())
         return;
@@ -58,7 +59,8 @@ void followOpenBridge(Link &link, const BridgeState &state, uint32_t status)
         link.close();
     }
     qDebug("openIdx:%d, idx:%d", state.openIndex, position);
-    if (position >= 0 && state.isOpen() && static_cast<uint8_t>(position) != state.openIndex) {
+    const bool hasMoved = position >= 0 && static_cast<uint8_t>(position) != state.openIndex;
+    if (isLatest && state.isOpen() && hasMoved) {
         qDebug("restart:%d", id);
         link.close();
         link.open(id);

@@ -36,6 +36,23 @@ uint16_t idOfPath(const QString &path)
     return static_cast<uint16_t>(instance.value(0).toUInt() * 1000 + instance.value(3).toUInt());
 }
 
+/// Ids of all bridges that are plugged in.
+QVector<uint16_t> listBridges()
+{
+    QVector<uint16_t> ids;
+    for (uint32_t index = 0; index < kIndexCount; ++index) {
+        const char *name = CH341GetDeviceName(index);
+        if (name == nullptr)
+            continue;
+        qDebug("%s", name);
+        const QString path = QString::fromLocal8Bit(name);
+        if (isCh341(path))
+            ids.append(idOfPath(path));
+    }
+    qDebug() << ids;
+    return ids;
+}
+
 bool sendPacket(uint8_t index, const Ch341Packet &packet)
 {
     uint32_t sent = packet.size();
@@ -58,7 +75,8 @@ class_ch341::class_ch341(QObject *parent)
     : QObject(parent)
 {
     qDebug("ch341 new");
-    connect(this, &class_ch341::bridgeNoticed, this, &class_ch341::devicesChanged);
+    qRegisterMetaType<QVector<uint16_t>>("QVector<uint16_t>");
+    connect(this, &class_ch341::bridgeNoticed, this, &class_ch341::takeNotice);
     s_notified = this;
     CH341SetDeviceNotify(0, nullptr, &class_ch341::CH341_NOTIFY_ROUTINE);
     QTimer::singleShot(kFirstScanDelayMs, this, &class_ch341::getScanSignal);
@@ -100,17 +118,7 @@ uint8_t class_ch341::close()
 
 int class_ch341::scan()
 {
-    m_state.deviceList.clear();
-    for (uint32_t index = 0; index < kIndexCount; ++index) {
-        const char *name = CH341GetDeviceName(index);
-        if (name == nullptr)
-            continue;
-        qDebug("%s", name);
-        const QString path = QString::fromLocal8Bit(name);
-        if (isCh341(path))
-            m_state.deviceList.append(idOfPath(path));
-    }
-    qDebug() << m_state.deviceList;
+    m_state.deviceList = listBridges();
     return m_state.deviceList.size();
 }
 
@@ -196,12 +204,26 @@ uint8_t class_ch341::getInt()
 void TACTILE_VENDOR_CALL class_ch341::CH341_NOTIFY_ROUTINE(uint32_t status)
 {
     class_ch341 *link = s_notified;
-    if (link != nullptr)
-        Q_EMIT link->bridgeNoticed(status);
+    if (link == nullptr)
+        return;
+    ++link->m_noticesUnderway;
+    Q_EMIT link->bridgeNoticed(status, listBridges());
 }
 
-void class_ch341::devicesChanged(unsigned int status)
+void class_ch341::takeNotice(unsigned int status, const QVector<uint16_t> &ids)
 {
+    const bool isLatest = --m_noticesUnderway == 0;
+    m_state.deviceList = ids;
+    Q_EMIT si_updateList(ids);
+    followOpenBridge(*this, m_state, status, isLatest);
+}
+
+void class_ch341::keepNoticed()
+{
+    class_ch341 *nobody = nullptr;
+    if (!s_notified.compare_exchange_strong(nobody, this))
+        return;
+    CH341SetDeviceNotify(0, nullptr, &class_ch341::CH341_NOTIFY_ROUTINE);
     getScanSignal();
-    followOpenBridge(*this, m_state, status);
+    followOpenBridge(*this, m_state, kBridgeRemoved);
 }

@@ -53,7 +53,12 @@ public:
     /// 0 or 1, 255 when closed.
     uint8_t getInt();
 
-    /// What the bridge library calls on arrival and removal, status 0 being a removal. May be entered on any thread.
+    /// Follows arrivals and removals again where the end of another instance has ended that for all, and looks once for
+    /// what came and went meanwhile.
+    void keepNoticed();
+
+    /// What the bridge library calls on arrival and removal, status 0 being a removal. May be entered on any thread. The
+    /// bridges are listed there and then: when the owner has time for it, one that left may be back.
     static void TACTILE_VENDOR_CALL CH341_NOTIFY_ROUTINE(uint32_t status);
 
 Q_SIGNALS:
@@ -63,13 +68,14 @@ Q_SIGNALS:
     void si_connectTimeout();
     void si_updateList(QVector<uint16_t> ch341List);
     /// The library has given notice; may be emitted on any thread and is heard only by the instance itself, on its own.
-    void bridgeNoticed(unsigned int status);
+    void bridgeNoticed(unsigned int status, QVector<uint16_t> ids);
 
 private:
-    void devicesChanged(unsigned int status);
+    void takeNotice(unsigned int status, const QVector<uint16_t> &ids);
 
     static std::atomic<class_ch341 *> s_notified;
 
     BridgeState m_state;
+    std::atomic<int> m_noticesUnderway{0};
     ch341_iic_speed_te m_speed = ch341_iic_speed_te::Khz100;
 };

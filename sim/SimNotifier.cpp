@@ -2,6 +2,10 @@
 
 #include <utility>
 
+namespace {
+thread_local const SimNotifier::Devices *toldDevices = nullptr;
+}
+
 SimNotifier::SimNotifier()
     : m_thread([this] { run(); })
 {}
@@ -25,12 +29,17 @@ void SimNotifier::setRoutine(Routine routine)
         m_changed.wait(lock, [this] { return !m_running; });
 }
 
-void SimNotifier::notify(uint32_t status)
+const SimNotifier::Devices *SimNotifier::devicesAtEvent()
+{
+    return toldDevices;
+}
+
+void SimNotifier::notify(uint32_t status, const Devices &devices)
 {
     const std::lock_guard lock(m_mutex);
     if (!m_routine)
         return;
-    m_events.push_back(status);
+    m_events.push_back({status, devices});
     m_changed.notify_all();
 }
 
@@ -41,12 +50,15 @@ void SimNotifier::run()
         m_changed.wait(lock, [this] { return m_stop || !m_events.empty(); });
         if (m_stop)
             return;
-        const uint32_t status = m_events.front();
+        Event event = std::move(m_events.front());
         m_events.pop_front();
         const Routine routine = m_routine;
         m_running = true;
         lock.unlock();
-        routine(status);
+        toldDevices = &event.devices;
+        routine(event.status);
+        toldDevices = nullptr;
+        event.devices.clear();
         lock.lock();
         m_running = false;
         m_changed.notify_all();

@@ -42,15 +42,31 @@ void SimRegistry::addUsb(const std::shared_ptr<SimUsbDevice> &device, int positi
         Devices &devices = devicesOf(device->family());
         const bool inside = position >= 0 && position < static_cast<int>(devices.size());
         devices.insert(inside ? devices.begin() + position : devices.end(), device);
+        if (device->family() == SimUsbDevice::Family::Ch341)
+            m_notifier.notify(SimNotifier::kArrived, devices);
     }
-    if (device->family() == SimUsbDevice::Family::Ch341)
-        m_notifier.notify(SimNotifier::kArrived);
 }
 
 void SimRegistry::removeUsb(const SimUsbDevice *device)
 {
-    if (takeOut(device) && device->family() == SimUsbDevice::Family::Ch341)
-        m_notifier.notify(SimNotifier::kRemoved);
+    const std::lock_guard lock(m_mutex);
+    Devices &devices = devicesOf(device->family());
+    const auto found = std::find_if(devices.begin(), devices.end(),
+                                    [device](const auto &plugged) { return plugged.get() == device; });
+    if (found == devices.end())
+        return;
+    (*found)->setPlugged(false);
+    devices.erase(found);
+    if (device->family() == SimUsbDevice::Family::Ch341)
+        m_notifier.notify(SimNotifier::kRemoved, devices);
+}
+
+std::shared_ptr<SimUsbDevice> SimRegistry::listedCh341(uint32_t index) const
+{
+    const Devices *devices = SimNotifier::devicesAtEvent();
+    if (devices == nullptr)
+        return usbDevice(SimUsbDevice::Family::Ch341, index);
+    return index < devices->size() ? (*devices)[index] : nullptr;
 }
 
 std::shared_ptr<SimUsbDevice> SimRegistry::usbDevice(SimUsbDevice::Family family, uint32_t index) const
@@ -63,17 +79,4 @@ std::shared_ptr<SimUsbDevice> SimRegistry::usbDevice(SimUsbDevice::Family family
 SimRegistry::Devices &SimRegistry::devicesOf(SimUsbDevice::Family family)
 {
     return family == SimUsbDevice::Family::Ch341 ? m_ch341Devices : m_ch347Devices;
-}
-
-bool SimRegistry::takeOut(const SimUsbDevice *device)
-{
-    const std::lock_guard lock(m_mutex);
-    Devices &devices = devicesOf(device->family());
-    const auto found = std::find_if(devices.begin(), devices.end(),
-                                    [device](const auto &plugged) { return plugged.get() == device; });
-    if (found == devices.end())
-        return false;
-    (*found)->setPlugged(false);
-    devices.erase(found);
-    return true;
 }

@@ -28,15 +28,16 @@ public:
     void removeUsb(const SimUsbDevice *device);
     /// Null when there is none.
     std::shared_ptr<SimUsbDevice> usbDevice(SimUsbDevice::Family family, uint32_t index) const;
+    /// The same for lists: inside the routine of an event, what was there at the event.
+    std::shared_ptr<SimUsbDevice> listedCh341(uint32_t index) const;
 
     /// Tells of the arrivals and removals of the CH341 family.
     SimNotifier &notifier() { return m_notifier; }
 
 private:
-    using Devices = std::vector<std::shared_ptr<SimUsbDevice>>;
+    using Devices = SimNotifier::Devices;
 
     Devices &devicesOf(SimUsbDevice::Family family);
-    bool takeOut(const SimUsbDevice *device);
 
     mutable std::mutex m_mutex; // guards the lists
     std::vector<SimSerialBus *> m_serialBuses;

@@ -18,7 +18,8 @@ uint32_t TACTILE_VENDOR_CALL CH341ResetDevice(uint32_t index);
 uint32_t TACTILE_VENDOR_CALL CH341FlushBuffer(uint32_t index);
 
 /// Device path as text, or null when no device has that index. Works without opening. The text is valid until the next
-/// call for the same index from the same thread.
+/// call for the same index from the same thread. A provider that can does tell, inside the routine of an arrival or
+/// removal, what was plugged in at that moment.
 const char *TACTILE_VENDOR_CALL CH341GetDeviceName(uint32_t index);
 
 /// Registers the routine, or removes it when null. After the removal has returned, the routine neither runs nor will run,

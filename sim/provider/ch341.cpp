@@ -50,7 +50,7 @@ uint32_t CH341FlushBuffer(uint32_t index)
 const char *CH341GetDeviceName(uint32_t index)
 {
     thread_local std::array<QByteArray, kIndexCount> names;
-    const auto device = SimRegistry::instance().usbDevice(SimUsbDevice::Family::Ch341, index);
+    const auto device = SimRegistry::instance().listedCh341(index);
     if (!device || index >= kIndexCount)
         return nullptr;
     names.at(index) = device->path();

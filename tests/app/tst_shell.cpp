@@ -256,6 +256,23 @@ private Q_SLOTS:
         });
     }
 
+    void hotPlugOutlivesVisits()
+    {
+        SimUsb usb;
+        const auto bridge = std::make_shared<SimCh341>(std::make_shared<SimI2cBus>(), 5, 2);
+        runTool([&](QWidget *window) {
+            const auto *devices = window->findChild<QComboBox *>(QStringLiteral("cbbCh341List"));
+            for (const int tab : {1, 3}) {
+                tabs(window)->setCurrentIndex(tab);
+                tabs(window)->setCurrentIndex(0);
+                usb.plug(bridge);
+                QTRY_COMPARE(devices->currentText(), QStringLiteral("5002"));
+                usb.unplug(bridge);
+                QTRY_COMPARE(devices->count(), 0);
+            }
+        });
+    }
+
     void theDemonstrationTellsItsOptions_data()
     {
         QTest::addColumn<QString>("options");

@@ -97,6 +97,7 @@ private Q_SLOTS:
     void bearsFailuresUntilItIsStopped_data() { addKinds(); }
     void bearsFailuresUntilItIsStopped();
     void losesAPulledBridge();
+    void losesABridgeThatIsBackAtOnce();
     void serialWorkerIgnoresTheTurns();
 };
 
@@ -240,6 +241,25 @@ void tst_worker_bridges::losesAPulledBridge()
         rig.usb.plug(rig.bridge);
     }
     QCOMPARE(rig.harness.log.count(QStringLiteral("ch341 disconnect")), 3);
+}
+
+void tst_worker_bridges::losesABridgeThatIsBackAtOnce()
+{
+    Rig rig(fingerThread::kCh341);
+    rig.bus->setTimed(true); // so that the worker is busy all the time
+    for (int i = 0; i < 12; ++i)
+        rig.plug(static_cast<uint8_t>(0x61 + i / 2), i % 2 == 0 ? kChannelOfEntry0 : kChannelOfEntry1);
+    for (const int gapMs : {1, 2, 10, 50}) {
+        rig.harness.events.clear();
+        QVERIFY(rig.connect());
+        const int before = rig.harness.samples.size();
+        QTRY_VERIFY_WITH_TIMEOUT(rig.harness.found.size() >= 12 && rig.harness.samples.size() > before,
+                                 40000);
+        rig.usb.unplug(rig.bridge);
+        QThread::msleep(static_cast<unsigned long>(gapMs)); // the gap is the fault that is to be caught
+        rig.usb.plug(rig.bridge);
+        QVERIFY(rig.waitFor("down"));
+    }
 }
 
 void tst_worker_bridges::serialWorkerIgnoresTheTurns()

@@ -78,14 +78,33 @@ void tst_hotplug::workIsDoneOnOwnersThread()
     connect(
         &link, &class_ch341::si_updateList, &link, [&] { emittedOn = QThread::currentThread(); },
         Qt::DirectConnection);
-    vendor().setCh341Ids({});
-    std::thread library([] { vendor().notify(0); });
+    std::thread library([] {
+        vendor().setCh341Ids({});
+        vendor().notify(0);
+        vendor().setCh341Ids({1002});
+        vendor().notify(3);
+    });
     library.join();
     // The routine has returned, and nothing has happened behind the owner's back.
     QVERIFY(emittedOn == nullptr);
     QVERIFY(link.isOpen());
+    // That it is back by now does not bring the link to life.
     QTRY_VERIFY(!link.isOpen());
     QCOMPARE(emittedOn, QThread::currentThread());
+
+    // An open one is not taken to an index that is another one's, or nobody's, by now.
+    QVERIFY(link.open(1002));
+    std::thread hurried([] {
+        vendor().setCh341Ids({1001, 1002});
+        vendor().notify(3);
+        vendor().setCh341Ids({1002});
+        vendor().notify(0);
+    });
+    hurried.join();
+    vendor().takeCalls();
+    QCoreApplication::processEvents();
+    QCOMPARE(vendor().takeCalls(), QString());
+    QVERIFY(link.isOpen());
 }
 
 void tst_hotplug::transfersMeetRemovals()

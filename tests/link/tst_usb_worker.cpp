@@ -76,12 +76,12 @@ void tst_usb_worker::ch341()
 
     // Pulled out while streaming: everything goes, and comes back after plugging in and connecting.
     worker.events.clear();
+    // That another is in its port at once does not keep it.
     device.unplug();
+    deviceAgain.plug();
     QVERIFY(worker.waitForEvent(QStringLiteral("down")));
     QCOMPARE(worker.events, (QStringList{QStringLiteral("gone 0/0x61"), QStringLiteral("gone 1/0x61"),
                                          QStringLiteral("down")}));
-    QTRY_VERIFY(worker.devices.isEmpty());
-    deviceAgain.plug();
     QVERIFY(worker.connectTo(QStringLiteral("1001")));
     QVERIFY(worker.waitForEvent(QStringLiteral("found 0/0x61")));
     QVERIFY(worker.waitForEvent(QStringLiteral("found 1/0x61")));

@@ -17,9 +17,9 @@ Ch341Table &table()
 }
 
 /// The fields that the ids of the bridges are made of are the first and the fourth of the part between the last two '#'.
-std::string pathOf(libusb_device *device)
+std::string pathOf(libusb_device *device, const std::vector<UsbDevicePointer> &bridges)
 {
-    const unsigned id = portIdOf(device, BridgeFamily::Ch341);
+    const unsigned id = portIdOf(device, bridges);
     return "usb#VID_1A86&PID_5512#" + std::to_string(id / 1000) + "&0&0&" + std::to_string(id % 1000) + '#' +
            nodeOf(device);
 }
@@ -61,10 +61,10 @@ const char *TACTILE_VENDOR_CALL CH341GetDeviceName(uint32_t index)
     thread_local std::array<std::string, kIndexCount> names;
     if (index >= kIndexCount)
         return nullptr;
-    const UsbDevicePointer device = Ch341Table::pluggedDevice(index);
-    if (device == nullptr)
+    const std::vector<UsbDevicePointer> bridges = HotplugMonitor::listedBridges(BridgeFamily::Ch341);
+    if (index >= bridges.size())
         return nullptr;
-    names[index] = pathOf(device.get());
+    names[index] = pathOf(bridges[index].get(), bridges);
     return names[index].c_str();
 }
 

@@ -94,8 +94,13 @@ std::vector<UsbDevicePointer> pluggedBridges(BridgeFamily family)
             bridges.emplace_back(libusb_ref_device(*device));
     }
     libusb_free_device_list(list, 1);
-    std::sort(bridges.begin(), bridges.end(), isPluggedBefore);
+    sortByPort(bridges);
     return bridges;
+}
+
+void sortByPort(std::vector<UsbDevicePointer> &bridges)
+{
+    std::sort(bridges.begin(), bridges.end(), isPluggedBefore);
 }
 
 UsbDevicePointer bridgeInPlaceOf(libusb_device *device, BridgeFamily family)
@@ -110,7 +115,11 @@ UsbDevicePointer bridgeInPlaceOf(libusb_device *device, BridgeFamily family)
 
 unsigned portIdOf(libusb_device *device, BridgeFamily family)
 {
-    const std::vector<UsbDevicePointer> bridges = pluggedBridges(family);
+    return portIdOf(device, pluggedBridges(family));
+}
+
+unsigned portIdOf(libusb_device *device, const std::vector<UsbDevicePointer> &bridges)
+{
     std::set<unsigned> claimed;
     for (const UsbDevicePointer &bridge : bridges)
         claimed.insert(plainPortId(bridge.get()));
