@@ -1,37 +1,35 @@
 #include "engine/fingerThread.h"
 
-#include "link/SerialPortPoller.h"
-#include "link/class_ch341.h"
-#include "link/class_ch347.h"
-#include "link/class_uart.h"
-#include "link/pca9548.h"
+#include "engine/CommandQueue.h"
+#include "engine/Discovery.h"
+#include "engine/Sampling.h"
+#include "engine/SensorBus.h"
+#include "link/SensorLink.h"
 
 #include <QDebug>
 #include <QEventLoop>
 #include <QScopedValueRollback>
+#include <QTimer>
 
 #include <array>
+#include <chrono>
 #include <utility>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int kReadIntervalMs = 1;
-constexpr int kRateIntervalMs = 1000;
-constexpr int kTickIntervalMs = 10;
-constexpr int kLostIntervalMs = 200;
+constexpr auto kReadInterval = 1ms;
+constexpr auto kRateInterval = 1000ms;
+constexpr auto kTickInterval = 10ms;
+constexpr auto kLostInterval = 200ms;
 
 constexpr int kEntryCount = 6;
 /// Channels in the order of the adapter boards 1 to 5, then the channel that needs no board.
 constexpr std::array<uint8_t, kEntryCount> kEntryMasks = {0x10, 0x20, 0x40, 0x08, 0x04, 0x01};
 
-/// Room for two of the longest frames and some noise, kept from read to read.
-constexpr int kReceiveCapacity = 512;
-constexpr unsigned int kBaudRate = 460800;
 /// On a serial line the sweep takes a step every this many ticks and one.
 constexpr uint16_t kTicksBetweenSweepSteps = 100;
-/// An absent multiplexer reads as more than this.
-constexpr uint8_t kHighestIdleSelection = 1;
-constexpr uint16_t kIdlePeriodMs = 50;
 
 // Who started or stopped the timers; shows in the log only.
 constexpr int kTagStop = 0;
@@ -39,6 +37,23 @@ constexpr int kTagLinkUp = 1;
 constexpr int kTagLinkLost = 2;
 
 } // namespace
+
+/// The link and the steps that a tick is made of.
+struct fingerThread::Work
+{
+    Work(SensorLink::Kind kind, QVector<info_ts> &entries)
+        : link(kind)
+        , discovery(bus, entries)
+        , sampling(bus, entries)
+        , commands(bus, entries)
+    {}
+
+    SensorLink link;
+    SensorBus bus{link};
+    Discovery discovery;
+    Sampling sampling;
+    CommandQueue commands;
+};
 
 uint8_t fingerThread::curInf = 0;
 uint16_t fingerThread::scanCnt = 0;
@@ -48,7 +63,6 @@ fingerThread::fingerThread(uint8_t kind, QObject *parent)
     , inf(kind)
 {
     qDebug("fingerThread new");
-    m_received.reserve(kReceiveCapacity);
 }
 
 fingerThread::~fingerThread()
@@ -60,7 +74,6 @@ fingerThread::~fingerThread()
 
 void fingerThread::started()
 {
-    pcaFind = 1;
     if (inf == kSerial)
         uartInit();
     else if (inf == kCh341)
@@ -87,49 +100,44 @@ void fingerThread::stop()
 {
     qDebug("fingerThread stop");
     m_stopped = true;
-    m_tickIsVoid = true;
+    if (m_work)
+        m_work->bus.invalidate();
     timerStop(kTagStop);
     Q_EMIT si_stop();
 }
 
 void fingerThread::uartInit()
 {
-    uart = new class_uart(this);
+    makeLink();
     qDebug("uart init");
-    connect(uart, &class_uart::si_close, this, [this] { linkLost("uart disconnect"); });
-    connect(uart, &class_uart::si_openSuccess, this, [this] { linkUp("uart connected"); });
-    auto *poller = new SerialPortPoller(uart);
-    connect(poller, &SerialPortPoller::portsListed, this,
-            [this](const QStringList &names) { publishList(names.toVector()); });
     // Only the serial interface has one bus and no turns; an earlier worker may have stopped in the middle of its own.
     curInf = 0;
-    uart->scan(false);
+    m_work->link.scan();
 }
 
 void fingerThread::ch341Init()
 {
     qDebug("ch341 init");
-    ch341 = new class_ch341(this);
-    wireBridge(ch341, "ch341 connected", "ch341 disconnect");
+    makeLink();
 }
 
 void fingerThread::ch347Init()
 {
-    ch347 = new class_ch347(this);
-    wireBridge(ch347, "ch347 connected", "ch347 disconnect");
+    makeLink();
 }
 
-template<typename Bridge>
-void fingerThread::wireBridge(Bridge *bridge, const char *upWords, const char *lostWords)
+void fingerThread::makeLink()
 {
-    connect(bridge, &Bridge::si_updateList, this, [this](const QVector<uint16_t> &ids) {
-        QVector<QString> names;
-        for (const uint16_t id : ids)
-            names.append(QString::number(id));
-        publishList(names);
-    });
-    connect(bridge, &Bridge::si_disconnected, this, [this, lostWords] { linkLost(lostWords); });
-    connect(bridge, &Bridge::si_connected, this, [this, bridge, upWords] { bridgeUp(bridge, upWords); });
+    m_work = std::make_unique<Work>(static_cast<SensorLink::Kind>(inf), infoList);
+    connect(&m_work->link, &SensorLink::devicesListed, this, &fingerThread::publishList);
+    connect(&m_work->link, &SensorLink::opened, this, &fingerThread::linkUp);
+    connect(&m_work->link, &SensorLink::closed, this, &fingerThread::linkLost);
+    connect(&m_work->discovery, &Discovery::found, this, &fingerThread::announce);
+    connect(&m_work->sampling, &Sampling::sampled, this, &fingerThread::si_updateData1);
+    connect(&m_work->sampling, &Sampling::rates, this, &fingerThread::si_setHz1);
+    connect(&m_work->sampling, &Sampling::lost, this, &fingerThread::si_disconnectedSensor);
+    connect(&m_work->commands, &CommandQueue::answered, this, &fingerThread::si_cmdRsp1);
+    connect(&m_work->commands, &CommandQueue::failed, this, &fingerThread::si_cmdRspErr1);
 }
 
 void fingerThread::setUpEntries()
@@ -142,108 +150,104 @@ void fingerThread::setUpEntries()
 
 void fingerThread::setUpTimers()
 {
-    timerRead = newTimer(&fingerThread::guardedTick);
-    timerHz = newTimer(&fingerThread::publishRates);
-    timerTick = newTimer(&fingerThread::advanceTicks);
-    timerLost = newTimer(&fingerThread::ageSensors);
-    if (ch341 != nullptr)
-        connect(timerLost, &QTimer::timeout, ch341, &class_ch341::keepNoticed);
-    timerLost->start(kLostIntervalMs);
+    timerRead = newTimer([this] { guardedTick(); });
+    timerHz = newTimer([this] { m_work->sampling.publishRates(); });
+    timerTick = newTimer([this] { m_work->sampling.advanceTicks(kTickInterval); });
+    timerLost = newTimer([this] {
+        if (!m_work)
+            return;
+        m_work->link.keepNoticed();
+        m_work->sampling.ageSensors(kLostInterval);
+    });
+    timerLost->start(kLostInterval);
 }
 
-QTimer *fingerThread::newTimer(void (fingerThread::*handler)())
+QTimer *fingerThread::newTimer(std::function<void()> handler)
 {
     auto *timer = new QTimer(this);
     timer->setTimerType(Qt::PreciseTimer);
-    connect(timer, &QTimer::timeout, this, handler);
+    connect(timer, &QTimer::timeout, this, std::move(handler));
     return timer;
 }
 
-void fingerThread::publishList(const QVector<QString> &names)
+void fingerThread::publishList(const QStringList &names)
 {
-    if (names == ch341List)
+    const QVector<QString> list = names.toVector();
+    if (list == ch341List)
         return;
-    Q_EMIT si_ch341ListUpdate(names);
-    ch341List = names;
+    Q_EMIT si_ch341ListUpdate(list);
+    ch341List = list;
 }
 
 void fingerThread::sl_connectCh341(QString id)
 {
-    if (linkIsOpen() || !ch341List.contains(id))
+    if (!m_work || linkIsOpen() || !ch341List.contains(id))
         return;
-    if (uart != nullptr) {
-        qDebug("uart connect");
-        uart->open(id, kBaudRate);
-    } else if (ch341 != nullptr) {
-        qDebug("ch341 connect");
-        ch341->open(static_cast<uint16_t>(id.toUInt()));
-    } else if (ch347 != nullptr) {
-        qDebug("ch347 connect");
-        ch347->open(static_cast<uint16_t>(id.toUInt()));
-    }
-    sensorNum = 0;
+    qDebug("%s connect", m_work->link.name());
+    m_work->link.open(id);
 }
 
 void fingerThread::sl_disconnectCh341()
 {
-    if (!linkIsOpen())
-        return;
-    if (uart != nullptr)
-        uart->close();
-    else if (ch341 != nullptr)
-        ch341->close();
-    else if (ch347 != nullptr)
-        ch347->close();
+    if (linkIsOpen())
+        m_work->link.close();
+}
+
+void fingerThread::sl_cmdReq1(uint8_t infIdx, uint8_t addr, QByteArray cmd, uint16_t rspLen)
+{
+    if (m_work)
+        m_work->commands.append({infIdx, addr, cmd, rspLen});
+}
+
+int fingerThread::readInf(uint8_t addr, QByteArray &out, int len, int /*timeout*/)
+{
+    if (!m_work)
+        return 0;
+    SensorLink &link = m_work->link;
+    return link.isBridge() ? link.read(addr, reinterpret_cast<uint8_t *>(out.data()), len)
+                           : link.takeReceived(out);
+}
+
+int fingerThread::writeInf(uint8_t addr, const uint8_t *data, int len)
+{
+    return m_work ? m_work->link.write(addr, data, len) : 0;
+}
+
+uint8_t fingerThread::setSync()
+{
+    if (m_work)
+        m_work->discovery.setSync();
+    return 0;
 }
 
 bool fingerThread::linkIsOpen() const
 {
-    if (uart != nullptr)
-        return uart->port->isOpen();
-    if (ch341 != nullptr)
-        return ch341->isOpen();
-    return ch347 != nullptr && ch347->isOpen();
+    return m_work && m_work->link.isOpen();
 }
 
 void fingerThread::closeLink()
 {
-    for (QObject *link : std::initializer_list<QObject *>{uart, ch341, ch347}) {
-        if (link != nullptr)
-            link->disconnect(this);
-    }
+    if (m_work)
+        m_work->link.disconnect(this);
     sl_disconnectCh341();
 }
 
-void fingerThread::linkUp(const char *words)
+void fingerThread::linkUp()
 {
-    qDebug("%s", words);
+    qDebug("%s connected", m_work->link.name());
     Q_EMIT si_ch341Connected();
+    if (m_work->link.isBridge()) {
+        m_work->link.setUpSensorBus();
+        m_work->link.pulsePcaReset();
+        m_work->bus.probeMultiplexer();
+    }
     timerStart(kTagLinkUp);
 }
 
-template<typename Bridge>
-void fingerThread::bridgeUp(Bridge *bridge, const char *words)
+void fingerThread::linkLost()
 {
-    qDebug("%s", words);
-    Q_EMIT si_ch341Connected();
-    setUpSensorBus(*bridge);
-    pulsePcaReset(*bridge);
-    probeMultiplexer();
-    timerStart(kTagLinkUp);
-}
-
-void fingerThread::probeMultiplexer()
-{
-    setPcaState(0);
-    const bool found = getPcaState() <= kHighestIdleSelection;
-    qDebug("%s", found ? "find pca" : "not find pca");
-    pcaFind = found ? 1 : 0;
-}
-
-void fingerThread::linkLost(const char *words)
-{
-    qDebug("%s", words);
-    m_tickIsVoid = true;
+    qDebug("%s disconnect", m_work->link.name());
+    m_work->bus.invalidate();
     reportAllGone();
     Q_EMIT si_ch341Disconnected();
     timerStop(kTagLinkLost);
@@ -258,27 +262,12 @@ void fingerThread::reportAllGone()
     }
 }
 
-uint8_t fingerThread::setPcaState(uint8_t value)
-{
-    const bool onBridge = ch341 != nullptr || ch347 != nullptr;
-    if (onBridge && pcaFind == 1)
-        writeInf(kPca9548Address, &value, 1);
-    return value;
-}
-
-uint8_t fingerThread::getPcaState()
-{
-    uint8_t state = 0;
-    readBridge(kPca9548Address, &state, 1);
-    return state;
-}
-
 void fingerThread::timerStart(int tag)
 {
     qDebug("start:%d", tag);
-    timerRead->start(kReadIntervalMs);
-    timerHz->start(kRateIntervalMs);
-    timerTick->start(kTickIntervalMs);
+    timerRead->start(kReadInterval);
+    timerHz->start(kRateInterval);
+    timerTick->start(kTickInterval);
 }
 
 void fingerThread::timerStop(int tag)
@@ -297,24 +286,23 @@ void fingerThread::guardedTick()
     if (m_inTick)
         return;
     const QScopedValueRollback<bool> inTick(m_inTick, true);
-    m_tickIsVoid = false;
     tick();
 }
 
 void fingerThread::tick()
 {
-    setPcaState(infoList[curInf].pca);
-    if (sweepIsDue())
-        scanSensor(curInf);
-    if (!m_tickIsVoid)
-        readSensor(curInf);
-    if (m_tickIsVoid)
+    SensorBus &bus = m_work->bus;
+    bus.beginTick();
+    bus.setPcaState(infoList[curInf].pca);
+    if (sweepIsDue() && m_work->discovery.scanSensor(curInf) == Outcome::Void)
         return;
-    setPcaState(infoList[curInf].pca);
-    wrCmdSensor(curInf);
+    if (m_work->sampling.readSensors() == Outcome::Void)
+        return;
+    bus.setPcaState(infoList[curInf].pca);
+    m_work->commands.wrCmdSensor(curInf);
     if (inf != kSerial)
         curInf = static_cast<uint8_t>((curInf + 1) % kEntryCount);
-    setPcaState(0);
+    bus.setPcaState(0);
 }
 
 bool fingerThread::sweepIsDue()
@@ -327,36 +315,10 @@ bool fingerThread::sweepIsDue()
     return true;
 }
 
-template<typename Action>
-void fingerThread::forEachSensor(Action action)
+void fingerThread::announce(const sensor_ts &sensor)
 {
-    for (info_ts &entry : infoList) {
-        for (sensor_ts &sensor : entry.sensors)
-            action(sensor);
-    }
-}
-
-void fingerThread::publishRates()
-{
-    forEachSensor([this](sensor_ts &sensor) {
-        Q_EMIT si_setHz1(sensor.infIdx, sensor.addr, sensor.hz, sensor.rHz);
-        sensor.periodMs = sensor.hz == 0 ? kIdlePeriodMs : static_cast<uint16_t>(1000 / sensor.hz);
-        sensor.hz = 0;
-        sensor.rHz = 0;
-    });
-}
-
-void fingerThread::advanceTicks()
-{
-    forEachSensor([](sensor_ts &sensor) {
-        if (sensor.tick < sensor.periodMs)
-            sensor.tick = static_cast<uint16_t>(sensor.tick + kTickIntervalMs);
-    });
-}
-
-void fingerThread::ageSensors()
-{
-    forEachSensor([](sensor_ts &sensor) {
-        sensor.silentMs = static_cast<uint16_t>(sensor.silentMs + kLostIntervalMs);
-    });
+    qDebug("find sensor：%d inf:%d addr:0x%02x pack:%d sn:%s", sensor.prg, sensor.infIdx, sensor.addr,
+           sensor.pack.size(), sensor.sn.toUtf8().constData());
+    Q_EMIT si_connectedSensor(sensor);
+    infoList[sensor.infIdx].sensors.append(sensor);
 }

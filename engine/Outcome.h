@@ -1,0 +1,8 @@
+#pragma once
+
+/// What became of a step of the worker.
+enum class Outcome {
+    Done,
+    Failed, ///< nothing came that could be used
+    Void, ///< the link went away or the worker was stopped meanwhile; nothing that the step was about exists any more
+};
