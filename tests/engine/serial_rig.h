@@ -2,13 +2,9 @@
 
 #include "sim/SimSerialBus.h"
 #include "tests/engine/worker_harness.h"
+#include "tests/support/hex.h"
 
 #include <memory>
-
-inline QByteArray hex(const char *text)
-{
-    return QByteArray::fromHex(text);
-}
 
 /// A simulated serial line and a worker on it.
 struct SerialRig

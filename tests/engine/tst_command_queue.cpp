@@ -1,13 +1,58 @@
-#include "tests/engine/serial_rig.h"
+#include "engine/CommandQueue.h"
+#include "tests/engine/StepRig.h"
 
 #include <QtTest>
 
+using Kind = SensorLink::Kind;
+
 namespace {
+
+constexpr uint8_t kEntry = 1; // where the sensor is
 
 const QByteArray kReadAddress = hex("aa5561710000000000d101");
 const QByteArray kReadChannels = hex("aa5561620000000000c201");
 const QByteArray kReadSerial = hex("aa5561a400000000000402");
 const QByteArray kSetMode = hex("aa5561560100000000b701");
+const QByteArray kAddressAnswer = hex("55aa61f10000006100b202");
+
+/// A queue before one live sensor that keeps what comes of the commands.
+struct Queue : StepRig
+{
+    explicit Queue(Kind kind)
+        : StepRig(kind)
+    {
+        sensor_ts live;
+        live.addr = 0x61;
+        entries[kEntry].sensors.append(live);
+        const auto keep = [this](const char *how) {
+            return [this, how](uint8_t infIdx, uint8_t addr, const QByteArray &req, const QByteArray &rsp) {
+                results += QString::asprintf("%s %d/0x%02x ", how, infIdx, addr) +
+                           QString::fromLatin1(req.toHex() + " > " + rsp.toHex());
+            };
+        };
+        QObject::connect(&commands, &CommandQueue::answered, &commands, keep("ok"));
+        QObject::connect(&commands, &CommandQueue::failed, &commands, keep("failed"));
+    }
+
+    void request(const QByteArray &frame, uint16_t rspLen, uint8_t addr = 0x61)
+    {
+        commands.append({kEntry, addr, frame, rspLen});
+    }
+    Outcome step(uint8_t infIdx = kEntry)
+    {
+        bus.setPcaState(entries[infIdx].pca);
+        return commands.wrCmdSensor(infIdx);
+    }
+    void steps(int count)
+    {
+        while (count-- > 0)
+            step();
+    }
+    int sentTimes(const QByteArray &frame) const { return sent().count(QString::fromLatin1(frame.toHex())); }
+
+    CommandQueue commands{bus, entries};
+    QStringList results;
+};
 
 } // namespace
 
@@ -16,43 +61,52 @@ class tst_command_queue : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void answersInOrder_data();
     void answersInOrder();
     void triesThreeTimes_data();
     void triesThreeTimes();
-    void goesOnAfterALostLink();
+    void retriesOnTheBusesThatFollow();
+    void readsFromTheNewAddress();
+    void countsNoAttemptThatBecameVoid();
 };
+
+void tst_command_queue::answersInOrder_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::newRow("serial") << Kind::Serial;
+    QTest::newRow("bridge") << Kind::Ch347;
+}
 
 void tst_command_queue::answersInOrder()
 {
-    SerialRig line;
-    const auto sensor = line.plug(0x02, 0x61);
-    QVERIFY(line.connectAndFind());
+    QFETCH(Kind, kind);
+    Queue queue(kind);
     const QByteArray toNobody = hex("aa5562710000000000d201");
-    line.harness.request(0, 0x61, kSetMode, 0);
-    line.harness.request(0, 0x62, toNobody, 11);
-    line.harness.request(0, 0x61, kReadAddress, 11);
-    line.harness.request(0, 0x61, kReadSerial, 0xFFFF);
-    QTRY_COMPARE(line.harness.responses.size(), 2);
-    const WorkerHarness::Response address = line.harness.responses.at(0);
-    QVERIFY(address.good);
-    QCOMPARE(int(address.infIdx), 0);
-    QCOMPARE(int(address.addr), 0x61);
-    QCOMPARE(address.req, kReadAddress);
-    QCOMPARE(address.rsp.toHex(), QByteArrayLiteral("55aa61f10000006100b202"));
+    queue.request(toNobody, 11, 0x62);
+    queue.request(kReadAddress, 11);
+    queue.request(kReadSerial, 0xFFFF);
+    queue.request(kSetMode, 0);
+    QCOMPARE(queue.step(0), Outcome::Done); // another bus has its turn
+    queue.steps(3);
+    const auto before = queue.now;
+    QCOMPARE(queue.step(), Outcome::Done);
+    QCOMPARE(queue.now.count(), before.count()); // nothing is awaited
+    const QByteArray serial = queue.sensor->settings().serialNumber;
+    QCOMPARE(queue.results.size(), 2);
+    QCOMPARE(queue.results.at(0),
+             QStringLiteral("ok 1/0x61 aa5561710000000000d101 > 55aa61f10000006100b202"));
     // Of an answer of unknown length all that came is read, and cut to its frame.
-    const WorkerHarness::Response serial = line.harness.responses.at(1);
-    QVERIFY(serial.good);
-    QCOMPARE(serial.req, kReadSerial);
-    QCOMPARE(serial.rsp.mid(5), sensor->settings().serialNumber + serial.rsp.right(2));
+    QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok 1/0x61 aa5561a400000000000402 > 55aa61")));
+    QVERIFY(queue.results.at(1).chopped(4).endsWith(QString::fromLatin1(serial.toHex())));
 
-    QCOMPARE(line.sent(kSetMode), 1);
-    QCOMPARE(int(sensor->settings().measuringMode), 1);
-    QCOMPARE(line.sent(toNobody), 0);
-    QCOMPARE(line.sent(kReadAddress), 1);
+    QByteArray acknowledgement;
+    queue.bus.collect(acknowledgement, 11, 5); // lets it go out on the serial line
+    QCOMPARE(int(queue.sensor->settings().measuringMode), 1);
+    QCOMPARE(queue.sentTimes(toNobody), 0);
     for (const char *logged :
-         {"add cmd:aa5561710000000000d101", "appendCmdList:1", "req 3:aa5561710000000000d101", "rsp len:11",
+         {"add cmd:aa5561710000000000d101", "appendCmdList:4", "req 3:aa5561710000000000d101", "rsp len:11",
           "rsp:55aa61f10000006100b202", "rsp len:500"})
-        QVERIFY2(line.harness.log.contains(QString::fromLatin1(logged)), logged);
+        QVERIFY2(queue.log.contains(QString::fromLatin1(logged)), logged);
 }
 
 void tst_command_queue::triesThreeTimes_data()
@@ -63,16 +117,16 @@ void tst_command_queue::triesThreeTimes_data()
     QTest::addColumn<int>("times");
     QTest::addColumn<QByteArray>("rsp");
     QTest::addColumn<QString>("log");
-    const QByteArray good = hex("55aa61f10000006100b202");
     const auto unsound = QStringLiteral("chk err");
     const auto given = QStringLiteral("cmdList:2");
-    QTest::newRow("too short") << kReadAddress << 11 << int(SimFault::WrongLength) << 2 << good << unsound;
+    QTest::newRow("too short") << kReadAddress << 11 << int(SimFault::WrongLength) << 2 << kAddressAnswer
+                               << unsound;
     QTest::newRow("to another command")
-        << kReadAddress << 11 << int(SimFault::WrongEcho) << 2 << good << QStringLiteral("try:1");
+        << kReadAddress << 11 << int(SimFault::WrongEcho) << 2 << kAddressAnswer << QStringLiteral("try:1");
     QTest::newRow("always spoilt") << kReadAddress << 11 << int(SimFault::BadSum) << 3
                                    << hex("55aa61f10000006100b302") << unsound;
-    QTest::newRow("glued, where the length is unknown")
-        << kReadAddress << 0xFFFF << int(SimFault::GluedFrame) << 3 << good + good << given;
+    QTest::newRow("glued, where the length is unknown") << kReadAddress << 0xFFFF << int(SimFault::GluedFrame)
+                                                        << 3 << kAddressAnswer + kAddressAnswer << given;
     QTest::newRow("a request too short to be matched")
         << hex("aa5561") << 6 << int(SimFault::Silence) << 3 << QByteArray() << given;
 }
@@ -83,46 +137,70 @@ void tst_command_queue::triesThreeTimes()
     QFETCH(int, rspLen);
     QFETCH(int, fault);
     QFETCH(int, times);
+    QFETCH(QByteArray, rsp);
     QFETCH(QString, log);
-    SerialRig line;
-    const auto sensor = line.plug(0x02, 0x61);
-    QVERIFY(line.connectAndFind());
-    sensor->faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x71), times);
-    line.harness.request(0, 0x61, frame, static_cast<uint16_t>(rspLen));
-    line.harness.request(0, 0x61, kReadChannels, 11);
-    QTRY_COMPARE_WITH_TIMEOUT(line.harness.responses.size(), 2, 20000);
-    QCOMPARE(line.harness.responses.at(0).good, times < 3);
-    QCOMPARE(line.harness.responses.at(0).req, frame);
-    QTEST(line.harness.responses.at(0).rsp, "rsp");
-    QVERIFY(line.harness.responses.at(1).good);
-    QVERIFY(line.harness.log.contains(log));
-    const QString lastAttempt = QStringLiteral("req 1:") + QString::fromLatin1(frame.toHex());
-    QCOMPARE(line.harness.log.count(lastAttempt), 1);
-    QCOMPARE(line.harness.log.count(QStringLiteral("try:0")), times < 3 ? 0 : 1);
+    Queue queue(Kind::Serial);
+    queue.sensor->faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x71), times);
+    queue.request(frame, static_cast<uint16_t>(rspLen));
+    queue.request(kReadChannels, 11);
+    queue.steps(4);
+    QCOMPARE(queue.results.size(), 2);
+    const auto how = times < 3 ? QStringLiteral("ok") : QStringLiteral("failed");
+    QCOMPARE(queue.results.at(0),
+             how + QStringLiteral(" 1/0x61 ") + QString::fromLatin1(frame.toHex() + " > " + rsp.toHex()));
+    QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok")));
+    QVERIFY(queue.log.contains(log));
+    QCOMPARE(queue.log.count(QStringLiteral("req 1:") + QString::fromLatin1(frame.toHex())), 1);
+    QCOMPARE(queue.log.count(QStringLiteral("try:0")), times < 3 ? 0 : 1);
 }
 
-void tst_command_queue::goesOnAfterALostLink()
+void tst_command_queue::retriesOnTheBusesThatFollow()
 {
-    // Opened again while the tick is still waiting, or later.
-    for (const bool atOnce : {true, false}) {
-        SerialRig line;
-        const auto sensor = line.plug(0x02, 0x61);
-        QVERIFY(line.connectAndFind());
-        sensor->setUnknown(0x71);
-        line.harness.request(0, 0x61, kReadAddress, 11);
-        QTRY_COMPARE(line.sent(kReadAddress), 2);
-        sensor->setUnknown(0x71, false);
-        line.harness.disconnectLink();
-        QVERIFY(atOnce || line.harness.waitForEvent(QStringLiteral("down")));
-        QVERIFY(line.harness.responses.isEmpty());
-        QVERIFY(line.connect());
+    Queue queue(Kind::Ch347);
+    queue.sensor->setUnknown(0x71);
+    queue.request(kReadAddress, 11);
+    queue.step(1);
+    QCOMPARE(queue.now.count(), 10 * 10 + 50);
+    queue.step(2);
+    queue.step(3);
+    QCOMPARE(queue.now.count(), 3 * 150 + 50);
+    QCOMPARE(queue.results.size(), 1);
+    QVERIFY(queue.results.at(0).startsWith(QStringLiteral("failed 3/0x61")));
+    // Only the first attempt was made where the sensor is; nobody hears the others.
+    QCOMPARE(queue.sentTimes(kReadAddress), 1);
+    QCOMPARE(queue.log.count(QStringLiteral("req 1:aa5561710000000000d101")), 1);
+}
 
-        QTRY_COMPARE(line.harness.responses.size(), 1);
-        QVERIFY(line.harness.responses.at(0).good);
-        QCOMPARE(line.sent(kReadAddress), 3);
-        // The second attempt was cut short, so it is not counted.
-        QVERIFY(!line.harness.log.contains(QStringLiteral("try:1")));
-    }
+void tst_command_queue::readsFromTheNewAddress()
+{
+    Queue queue(Kind::Ch347);
+    queue.request(hex("aa55617000000065003502"), 11);
+    queue.step();
+    QCOMPARE(queue.results.size(), 1);
+    QVERIFY(queue.results.at(0).startsWith(QStringLiteral("ok 1/0x61")));
+    QCOMPARE(int(queue.sensor->address()), 0x65);
+}
+
+void tst_command_queue::countsNoAttemptThatBecameVoid()
+{
+    Queue queue(Kind::Serial);
+    QObject::connect(&queue.link, &SensorLink::closed, &queue.commands, [&] { queue.bus.invalidate(); });
+    queue.sensor->setUnknown(0x71);
+    queue.request(kReadAddress, 11);
+    QCOMPARE(queue.step(), Outcome::Failed);
+    queue.onEvents = [&queue] {
+        if (queue.sentTimes(kReadAddress) == 2)
+            queue.link.close();
+    };
+    QCOMPARE(queue.step(), Outcome::Void);
+    queue.onEvents = [] {};
+
+    queue.sensor->setUnknown(0x71, false);
+    QVERIFY(queue.link.open(queue.pty.portName()));
+    queue.bus.beginTick();
+    QCOMPARE(queue.step(), Outcome::Done);
+    QVERIFY(queue.log.contains(QStringLiteral("req 2:aa5561710000000000d101")));
+    QVERIFY(!queue.log.contains(QStringLiteral("try:1")));
 }
 
 QTEST_GUILESS_MAIN(tst_command_queue)

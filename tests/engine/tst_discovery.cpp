@@ -1,78 +1,93 @@
-#include "tests/engine/serial_rig.h"
+#include "engine/Discovery.h"
+#include "tests/engine/StepRig.h"
 
 #include <QtTest>
 
-#include <functional>
-
-using namespace std::chrono_literals;
+using Kind = SensorLink::Kind;
+using Preparation = std::function<void(SimSensor &)>;
+Q_DECLARE_METATYPE(Preparation)
 
 namespace {
 
-using Preparation = std::function<void(SimSensor &)>;
+constexpr uint8_t kEntry = 1; // where the sensor is
 
-/// What the host sent, as hex, in order.
-QString sentByHost(const SimJournal &journal)
+/// A discovery that keeps what it finds.
+struct Sweep : StepRig
 {
-    QString sent;
-    for (const SimRecord &record : journal.records()) {
-        if (record.kind == SimRecord::Kind::Poll || record.kind == SimRecord::Kind::Request)
-            sent += QString::fromLatin1(record.bytes.toHex()) + QLatin1Char(' ');
+    explicit Sweep(Kind kind)
+        : StepRig(kind)
+    {
+        SimSettings settings = sensor->settings();
+        settings.serialNumber = QByteArrayLiteral("SN-7");
+        sensor->setSettings(settings);
+        QObject::connect(&discovery, &Discovery::found, &discovery,
+                         [this](const sensor_ts &record) { found.append(record); });
     }
-    return sent;
-}
 
-bool waitForPoll(SimSerialBus &bus, const char *pair)
-{
-    return bus.journal().waitFor(SimRecord::Kind::Poll, QByteArray::fromHex(pair), 40s);
-}
+    Outcome step(uint8_t infIdx = kEntry)
+    {
+        bus.setPcaState(entries[infIdx].pca);
+        return discovery.scanSensor(infIdx);
+    }
+
+    Discovery discovery{bus, entries};
+    QVector<sensor_ts> found;
+};
 
 } // namespace
-Q_DECLARE_METATYPE(Preparation)
 
 class tst_discovery : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void asksInOrder_data();
     void asksInOrder();
-    void sweepsAllAddressesButTheMultiplexers();
     void findsOrLeavesOut_data();
     void findsOrLeavesOut();
+    void stepsOverAddressesInUse();
+    void holdsOneSensorWithoutMultiplexer();
+    void isVoidWhenTheLinkGoes();
 };
+
+void tst_discovery::asksInOrder_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<QString>("asked");
+    QTest::addColumn<int>("sleptMs");
+    // The serial number has no length, so the serial line waits all its passes for it.
+    QTest::newRow("serial") << Kind::Serial
+                            << QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000300d601 "
+                                              "aa5561a400000000000402 aa5561a600000000000602")
+                            << 150 + 50;
+    QTest::newRow("bridge") << Kind::Ch347
+                            << QStringLiteral("aa55037f00000000008101 aa55037300000003007801 "
+                                              "aa5503a40000000000a601 aa5503a60000000000a801")
+                            << 150 + 40;
+}
 
 void tst_discovery::asksInOrder()
 {
-    SerialRig rig;
-    const auto sensor = rig.plug(0x02, 0x61);
-    sensor->setSampleRateHz(0);
-    sensor->setFrameType(uint8_t(0x09));
-    QVERIFY(rig.connectAndFind());
+    QFETCH(Kind, kind);
+    QFETCH(int, sleptMs);
+    Sweep sweep(kind);
+    sweep.sensor->setFrameType(uint8_t(0x09));
+    QCOMPARE(sweep.step(), Outcome::Done);
+    QTEST(sweep.sent().join(QLatin1Char(' ')), "asked");
+    QVERIFY2(sweep.now.count() >= sleptMs && sweep.now.count() < sleptMs + 40,
+             qPrintable(QString::number(sweep.now.count())));
 
-    const auto asked = QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000000d301 "
-                                      "aa5561a400000000000402 aa5561a600000000000602 ");
-    QVERIFY(sentByHost(rig.bus.journal()).contains(asked));
-
-    const sensor_ts record = rig.harness.found.constFirst();
-    QCOMPARE(int(record.prg), 0x02);
+    QCOMPARE(sweep.found.size(), 1);
+    const sensor_ts record = sweep.found.constFirst();
+    QCOMPARE(int(record.infIdx), 1);
+    QCOMPARE(int(record.addr), 0x61);
+    QCOMPARE(int(record.prg), 0x1F);
     QCOMPARE(int(record.type), 0x09);
-    QCOMPARE(record.pack.size(), 62);
-    QCOMPARE(record.sn, QString::fromLatin1(sensor->settings().serialNumber));
+    QCOMPARE(record.pack.size(), 27);
+    QCOMPARE(record.sn, QStringLiteral("SN-7"));
     QCOMPARE(int(record.periodMs), 50);
-    QVERIFY(rig.harness.log.contains(QStringLiteral("pack len2:62")));
-    QVERIFY(rig.harness.log.contains(QStringLiteral("set offset:0")));
-    QVERIFY(
-        rig.harness.log.contains(QStringLiteral("find sensor：2 inf:0 addr:0x61 pack:62 sn:") + record.sn));
-}
-
-void tst_discovery::sweepsAllAddressesButTheMultiplexers()
-{
-    SerialRig rig;
-    QVERIFY(rig.connect());
-    QVERIFY(waitForPoll(rig.bus, "01fe"));
-    QString expected;
-    for (int address = 0x61; address <= 0x6F; ++address)
-        expected += QString::asprintf("%02x%02x ", address, address ^ 0xFF);
-    QVERIFY(sentByHost(rig.bus.journal()).startsWith(expected + QStringLiteral("01fe ")));
+    QVERIFY(sweep.log.contains(QStringLiteral("pack len2:27")));
+    QVERIFY(sweep.log.contains(QStringLiteral("set offset:3")));
 }
 
 void tst_discovery::findsOrLeavesOut_data()
@@ -115,21 +130,72 @@ void tst_discovery::findsOrLeavesOut()
     QFETCH(Preparation, prepare);
     QFETCH(QString, found);
     QFETCH(QString, log);
-    SerialRig rig;
-    auto sensor = std::make_shared<SimSensor>(0x1F, 0x61);
-    SimSettings settings = sensor->settings();
-    settings.serialNumber = QByteArrayLiteral("SN-7");
-    sensor->setSettings(settings);
-    prepare(*sensor);
-    rig.bus.plug(sensor);
-    QVERIFY(rig.connect());
-    QTRY_COMPARE_WITH_TIMEOUT(rig.harness.log.count(log), 1, 40000);
-    QVERIFY(waitForPoll(rig.bus, "629d"));
-    rig.harness.stop();
+    Sweep sweep(Kind::Serial);
+    prepare(*sweep.sensor);
+    sweep.step();
+    QCOMPARE(sweep.log.count(log), 1);
     QString seen;
-    for (const sensor_ts &record : rig.harness.found)
+    for (const sensor_ts &record : qAsConst(sweep.found))
         seen += QString::number(record.prg) + QLatin1Char(' ') + record.sn;
     QCOMPARE(seen, found);
+    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+}
+
+void tst_discovery::stepsOverAddressesInUse()
+{
+    Sweep sweep(Kind::Serial);
+    sweep.entries[0].scanAddr = 0x6D;
+    sensor_ts live;
+    live.addr = 0x6F;
+    sweep.entries[0].sensors.append(live);
+    for (int i = 0; i < 3; ++i)
+        QCOMPARE(sweep.step(0), Outcome::Failed);
+    QCOMPARE(sweep.sent().join(QLatin1Char(' ')), QStringLiteral("6e91 01fe 02fd"));
+
+    for (int addr = 1; addr <= 0x6E; ++addr) {
+        live.addr = static_cast<uint8_t>(addr);
+        sweep.entries[0].sensors.append(live);
+    }
+    const int before = sweep.entries[0].scanAddr;
+    QCOMPARE(sweep.step(0), Outcome::Failed);
+    QCOMPARE(int(sweep.entries[0].scanAddr), before);
+}
+
+void tst_discovery::holdsOneSensorWithoutMultiplexer()
+{
+    Sweep sweep(Kind::Ch347);
+    sweep.i2c->setMultiplexerDead(true);
+    sweep.bus.probeMultiplexer();
+    QVERIFY(sweep.log.contains(QStringLiteral("not find pca")));
+    sweep.entries[0].sensors.append(sensor_ts());
+    QCOMPARE(sweep.step(), Outcome::Done);
+    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x60);
+    sweep.entries[0].sensors.clear();
+    QCOMPARE(sweep.step(), Outcome::Failed);
+    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+}
+
+void tst_discovery::isVoidWhenTheLinkGoes()
+{
+    const QStringList all = QStringList{QStringLiteral("619e"),
+                                        QStringLiteral("aa55617f0000000000df01"),
+                                        QStringLiteral("619e"),
+                                        QStringLiteral("aa5561730000000300d601"),
+                                        QStringLiteral("aa5561a400000000000402"),
+                                        QStringLiteral("aa5561a600000000000602")};
+    for (int asked = 1; asked < all.size(); ++asked) {
+        Sweep sweep(Kind::Serial);
+        QObject::connect(&sweep.link, &SensorLink::closed, &sweep.discovery, [&] { sweep.bus.invalidate(); });
+        sweep.onEvents = [&] {
+            if (sweep.sent().size() == asked)
+                sweep.link.close();
+        };
+        QCOMPARE(sweep.step(), Outcome::Void);
+        QCOMPARE(sweep.sent(), all.mid(0, asked));
+        QVERIFY(sweep.found.isEmpty());
+        for (const QString &line : sweep.log.lines())
+            QVERIFY2(!line.endsWith(QStringLiteral("err")), qPrintable(line));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_discovery)

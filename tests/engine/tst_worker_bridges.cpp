@@ -93,7 +93,6 @@ private Q_SLOTS:
     void tellsEqualAddressesApart();
     void carriesOutCommands_data() { addKinds(); }
     void carriesOutCommands();
-    void retriesOnTheBusesThatFollow();
     void bearsFailuresUntilItIsStopped_data() { addKinds(); }
     void bearsFailuresUntilItIsStopped();
     void losesAPulledBridge();
@@ -173,33 +172,6 @@ void tst_worker_bridges::carriesOutCommands()
     QTRY_COMPARE(rig.harness.responses.size(), 1);
     QVERIFY(rig.harness.responses.at(0).good);
     QCOMPARE(rig.harness.responses.at(0).rsp.toHex(), QByteArrayLiteral("55aa61f10000006100b202"));
-
-    // A sensor that was told a new address answers from there.
-    const QByteArray setAddress = hex("aa55617000000065003502");
-    rig.harness.request(1, 0x61, setAddress, 11);
-    QTRY_COMPARE(rig.harness.responses.size(), 2);
-    QVERIFY(rig.harness.responses.at(1).good);
-    QCOMPARE(int(rig.harness.responses.at(1).addr), 0x61);
-    QCOMPARE(rig.bus->journal().count(SimRecord::Kind::Write, setAddress), 1);
-    QVERIFY(rig.waitFor("gone 1/0x61"));
-    QVERIFY(rig.waitFor("found 1/0x65"));
-}
-
-void tst_worker_bridges::retriesOnTheBusesThatFollow()
-{
-    Rig rig(fingerThread::kCh347);
-    const auto sensor = rig.plug(0x61, kChannelOfEntry1);
-    QVERIFY(rig.connect());
-    QVERIFY(rig.waitFor("found 1/0x61"));
-    sensor->setUnknown(0x71);
-    const QByteArray frame = hex("aa5561710000000000d101");
-    rig.harness.request(1, 0x61, frame, 11);
-    QTRY_COMPARE(rig.harness.responses.size(), 1);
-    QVERIFY(!rig.harness.responses.at(0).good);
-    QCOMPARE(int(rig.harness.responses.at(0).infIdx), 3);
-    // Only the first attempt was made where the sensor is; nobody hears the others.
-    QCOMPARE(rig.bus->journal().count(SimRecord::Kind::Write, frame), 1);
-    QCOMPARE(rig.harness.log.count(QStringLiteral("req 1:aa5561710000000000d101")), 1);
 }
 
 void tst_worker_bridges::bearsFailuresUntilItIsStopped()

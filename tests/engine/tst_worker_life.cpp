@@ -13,6 +13,7 @@ private Q_SLOTS:
     void disconnectReportsSensorsFirst();
     void stopReportsEverySensorOnce();
     void stopInTheMiddleOfADiscovery();
+    void opensAgainInTheMiddleOfACommand();
 };
 
 void tst_worker_life::opensWhatIsListedOnceOnly()
@@ -88,6 +89,23 @@ void tst_worker_life::stopInTheMiddleOfADiscovery()
     rig.harness.stop();
     QCOMPARE(rig.harness.story(), QStringLiteral("up"));
     QVERIFY(!rig.harness.log.contains(QStringLiteral("set send type err")));
+}
+
+void tst_worker_life::opensAgainInTheMiddleOfACommand()
+{
+    SerialRig rig;
+    const auto sensor = rig.plug(0x02, 0x61);
+    QVERIFY(rig.connectAndFind());
+    const QByteArray readAddress = hex("aa5561710000000000d101");
+    sensor->setUnknown(0x71);
+    rig.harness.request(0, 0x61, readAddress, 11);
+    QTRY_COMPARE(rig.sent(readAddress), 2);
+    sensor->setUnknown(0x71, false);
+    rig.harness.disconnectLink();
+    QVERIFY(rig.connect());
+    QTRY_COMPARE(rig.harness.responses.size(), 1);
+    QVERIFY(rig.harness.responses.at(0).good);
+    QCOMPARE(rig.sent(readAddress), 3);
 }
 
 QTEST_GUILESS_MAIN(tst_worker_life)
