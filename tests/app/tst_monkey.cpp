@@ -34,9 +34,8 @@ constexpr std::size_t kLinesKept = 150;
 /// Far more than any form keeps its window waiting.
 constexpr std::chrono::seconds kPatience{60};
 
-std::mutex diaryMutex;         // guards the next two
+std::mutex diaryMutex;
 std::deque<QByteArray> diary;  ///< the last steps, and what was logged between them
-QByteArray complaint;          ///< the first warning
 std::atomic<Clock::rep> alive; ///< time of the last step
 
 void note(const QByteArray &line)
@@ -71,17 +70,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext & /*context*/, const
     // What the offscreen platform cannot do, and what a chosen firmware file may deserve.
     static const QRegularExpression harmless(
         QStringLiteral("^This plugin does not support |^Checksum error |^Unsupported record "));
-    if (type == QtDebugMsg || type == QtInfoMsg || harmless.match(message).hasMatch())
-        return;
-    const std::lock_guard lock(diaryMutex);
-    if (complaint.isEmpty())
-        complaint = message.toUtf8();
-}
-
-bool hasComplaint()
-{
-    const std::lock_guard lock(diaryMutex);
-    return !complaint.isEmpty();
+    if (type != QtDebugMsg && type != QtInfoMsg && !harmless.match(message).hasMatch())
+        std::abort();
 }
 
 /// What outlives the window: chance, the machine and what hangs on it.
@@ -137,44 +127,22 @@ struct World
     }
     void disturb()
     {
-        const int what = draw(8);
         const int times = draw(30);
-        note(QStringLiteral("disturb in way %1, %2 times").arg(what).arg(times).toUtf8());
         SimBridge &bridge = draw(2) == 0 ? static_cast<SimBridge &>(*bench.ch341()) : *bench.ch347();
+        const auto sensor = guests.empty() ? std::make_shared<SimSensor>(1, 1) : oneOf(guests).sensor;
         const auto fault = static_cast<SimFault>(draw(kSimFaultCount));
-        switch (what) {
-        case 0:
-            bridge.failTransfers(times, draw(50));
-            return;
-        case 1:
-            bridge.shortenReads(times);
-            return;
-        case 2:
-            bridge.pullOutAfter(1 + times * 10);
-            return;
-        case 3:
-            bridge.bus().setMultiplexerDead(times < 3);
-            return;
-        default:
-            break;
-        }
-        if (guests.empty())
-            return;
-        SimSensor &sensor = *oneOf(guests).sensor;
-        switch (what) {
-        case 4:
-            sensor.powerCycle();
-            return;
-        case 5:
-            sensor.setRefusal(static_cast<uint8_t>(draw(0x80)), static_cast<uint8_t>(times));
-            return;
-        case 6:
-            sensor.faults().schedule(fault, SimTarget::answers(), times);
-            return;
-        default:
-            sensor.faults().schedule(fault, SimTarget::samples(), times);
-            return;
-        }
+        const std::array<std::function<void()>, 7> ways{
+            [&] { bridge.failTransfers(times, draw(50)); },
+            [&] { bridge.shortenReads(times); },
+            [&] { bridge.pullOutAfter(1 + times * 10); },
+            [&] { bridge.bus().setMultiplexerDead(times < 3); },
+            [&] { sensor->powerCycle(); },
+            [&] { sensor->faults().schedule(fault, SimTarget::answers(), times); },
+            [&] { sensor->faults().schedule(fault, SimTarget::samples(), times); },
+        };
+        const int way = draw(static_cast<int>(ways.size()));
+        note(QStringLiteral("disturb in way %1, %2 times").arg(way).arg(times).toUtf8());
+        ways.at(static_cast<std::size_t>(way))();
     }
 
     struct Guest
@@ -225,7 +193,7 @@ private:
     void step()
     {
         alive = Clock::now().time_since_epoch().count();
-        if (Clock::now() > world->end || hasComplaint())
+        if (Clock::now() > world->end)
             return QCoreApplication::exit();
         m_rest = std::max(0, m_rest - 1);
         QWidget *top = QApplication::activePopupWidget();
@@ -292,7 +260,8 @@ private:
     void queue(QWidget *top, Action action)
     {
         QWindow *window = top->windowHandle();
-        QMetaObject::invokeMethod(window, [=] { action(window); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            window, [=] { action(window); }, Qt::QueuedConnection);
     }
     void mouse(QWidget *top, QEvent::Type type, Qt::MouseButton button)
     {
@@ -392,7 +361,7 @@ void watch(const std::atomic<bool> &over)
     while (!over) {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         if (Clock::now().time_since_epoch() - Clock::duration(alive) > kPatience)
-            qFatal("the window does not answer");
+            qCritical("the window does not answer");
     }
 }
 
@@ -439,7 +408,7 @@ private Q_SLOTS:
         std::atomic<bool> over{false};
         std::thread watchdog([&over] { watch(over); });
         const QtMessageHandler before = qInstallMessageHandler(handleMessage);
-        while (Clock::now() < machine.end && !hasComplaint()) {
+        while (Clock::now() < machine.end) {
             char name[] = "tst_monkey";
             char *arguments[] = {name, nullptr};
             qMain(1, arguments);
@@ -447,9 +416,6 @@ private Q_SLOTS:
         qInstallMessageHandler(before);
         over = true;
         watchdog.join();
-        if (hasComplaint())
-            printDiary();
-        QVERIFY2(complaint.isEmpty(), complaint.constData());
     }
 };
 
