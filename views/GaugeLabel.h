@@ -2,6 +2,7 @@
 
 #include "views/gauge_painting.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QLabel>
 #include <QPainter>
@@ -15,7 +16,7 @@ public:
     explicit GaugeLabel(QWidget *parent)
         : QLabel(parent)
     {
-        setStyleSheet(QStringLiteral("QLabel { border: none; }"));
+        setStyleSheet(ownSheet());
     }
 
     /// A gauge takes the size that it is given, whatever its text.
@@ -26,16 +27,20 @@ protected:
     bool event(QEvent *event) override
     {
         const bool handled = QLabel::event(event);
-        // The style sheet paints no background, so the style need not be asked for one at every paint.
-        if (event->type() == QEvent::Polish)
-            setAttribute(Qt::WA_StyledBackground, false);
+        const QEvent::Type type = event->type();
+        if (type == QEvent::Polish || type == QEvent::StyleChange || type == QEvent::ParentChange) {
+            m_ownSheetOnly = hasOwnSheetOnly();
+            // It paints no background, so the style need not be asked for one at every paint.
+            if (m_ownSheetOnly)
+                setAttribute(Qt::WA_StyledBackground, false);
+        }
         return handled;
     }
 
     void paintEvent(QPaintEvent *event) override
     {
-        // A label without a text has nothing to paint.
-        if (!text().isEmpty())
+        // An empty label has nothing to paint.
+        if (!m_ownSheetOnly || !text().isEmpty() || !pixmap(Qt::ReturnByValue).isNull())
             QLabel::paintEvent(event);
         QPainter painter(this);
         paintGauge(painter, look(static_cast<const Gauge &>(*this)));
@@ -44,9 +49,21 @@ protected:
     void resizeEvent(QResizeEvent *event) override { QLabel::resizeEvent(event); }
 
 private:
+    static QString ownSheet() { return QStringLiteral("QLabel { border: none; }"); }
+
+    bool hasOwnSheetOnly() const
+    {
+        bool only = styleSheet() == ownSheet() && qApp->styleSheet().isEmpty();
+        for (const QWidget *each = parentWidget(); only && each != nullptr; each = each->parentWidget())
+            only = each->styleSheet().isEmpty();
+        return only;
+    }
+
     static GaugeLook look(const Gauge &gauge)
     {
-        return {gauge.width(),   gauge.height(), gauge.direction, gauge.arrowScale,     gauge.arrowPen,
-                gauge.discBrush, gauge.halo,     gauge.haloBrush, gauge.arrowExtraWidth};
+        return {gauge.width(), gauge.height(),  gauge.direction, gauge.arrowScale, gauge.arrowPen,
+                gauge.discPen, gauge.discBrush, gauge.halo,      gauge.haloBrush,  gauge.arrowExtraWidth};
     }
+
+    bool m_ownSheetOnly = true;
 };

@@ -26,14 +26,14 @@ QPoint truncated(double x, double y)
     return {static_cast<int>(x), static_cast<int>(y)};
 }
 
-/// A disc with an outline of its own colour, one pixel of the device wide: the same as a disc of half such a pixel more,
-/// which is painted in half the time.
-void drawPlainDisc(QPainter &painter, QPointF centre, int radius, const QColor &colour)
+/// A disc with an outline of its own colour, one pixel of the device wide.
+void drawPlainDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour, QPen pen = QPen())
 {
-    const double withOutline = radius + 0.5 / painter.deviceTransform().m11();
-    painter.setPen(Qt::NoPen);
+    pen.setColor(colour);
+    pen.setWidth(0);
+    painter.setPen(pen);
     painter.setBrush(colour);
-    painter.drawEllipse(centre, withOutline, withOutline);
+    painter.drawEllipse(centre.x() - radius, centre.y() - radius, 2 * radius, 2 * radius);
 }
 
 QImage makeDisc(int radius, const QColor &colour, double pixelRatio)
@@ -44,7 +44,7 @@ QImage makeDisc(int radius, const QColor &colour, double pixelRatio)
     disc.fill(Qt::transparent);
     QPainter painter(&disc);
     painter.setRenderHint(QPainter::Antialiasing);
-    drawPlainDisc(painter, QPointF(radius + 1, radius + 1), radius, colour);
+    drawPlainDisc(painter, QPoint(radius + 1, radius + 1), radius, colour);
     return disc;
 }
 
@@ -61,13 +61,22 @@ QImage smallDisc(int radius, const QColor &colour, double pixelRatio)
     return disc;
 }
 
-void drawDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour)
+/// True where the pixels of a kept image fall on those of the device. Between them it would stand beside the arrow.
+bool fallsOnPixels(const QTransform &toDevice, QPoint corner)
 {
-    if (radius > kLargestSmallRadius)
-        drawPlainDisc(painter, centre, radius, colour);
+    const QPointF place = toDevice.map(QPointF(corner));
+    return toDevice.type() <= QTransform::TxScale && qFuzzyCompare(toDevice.m11(), toDevice.m22()) &&
+           place == place.toPoint();
+}
+
+void drawDisc(QPainter &painter, QPoint centre, int radius, const QColor &colour, const QPen &pen)
+{
+    const QPoint corner = centre - QPoint(radius + 1, radius + 1);
+    if (radius <= kLargestSmallRadius && pen.style() == Qt::SolidLine &&
+        fallsOnPixels(painter.deviceTransform(), corner))
+        painter.drawImage(corner, smallDisc(radius, colour, painter.deviceTransform().m11()));
     else
-        painter.drawImage(centre - QPoint(radius + 1, radius + 1),
-                          smallDisc(radius, colour, painter.deviceTransform().m11()));
+        drawPlainDisc(painter, centre, radius, colour, pen);
 }
 
 QLine barb(QPoint tip, int degrees, int length)
@@ -111,11 +120,11 @@ void paintGauge(QPainter &painter, const GaugeLook &look)
     const GaugeSize size = gaugeSize(look.width, look.height, look.halo);
     if (look.halo && look.haloBrush.color() != QColor(Qt::white)) {
         painter.setOpacity(0.8);
-        drawDisc(painter, centre, static_cast<int>(size.radius * 1.5), look.haloBrush.color());
+        drawPlainDisc(painter, centre, static_cast<int>(size.radius * 1.5), look.haloBrush.color());
         painter.setOpacity(1.0);
     }
     if (look.discBrush.color() != QColor(Qt::white))
-        drawDisc(painter, centre, size.radius, look.discBrush.color());
+        drawDisc(painter, centre, size.radius, look.discBrush.color(), look.discPen);
     if (look.direction != kNoArrow)
         drawArrow(painter, centre, size, look);
 }

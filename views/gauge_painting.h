@@ -18,6 +18,7 @@ struct GaugeLook
     uint16_t direction; ///< degrees clockwise from up, or kNoArrow
     float arrowScale;   ///< arrow length, 0.0 to 1.0
     const QPen &arrowPen;
+    const QPen &discPen;     ///< drawn in the disc's colour and one pixel of the device wide
     const QBrush &discBrush; ///< opaque white draws no disc
     bool halo;
     const QBrush &haloBrush; ///< opaque white draws no halo

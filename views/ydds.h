@@ -18,7 +18,7 @@ public:
     uint16_t direction = kNoArrow; ///< degrees clockwise from up
     float arrowScale = 0.0F;       ///< 0.0 to 1.0
     QPen arrowPen{Qt::black, 2};
-    QPen discPen{Qt::black, 2}; ///< drawn in the disc's colour and one pixel wide, whatever stands here
+    QPen discPen{Qt::black, 2}; ///< drawn in the disc's colour and one pixel wide; its style counts
     QBrush discBrush{Qt::white};
     bool halo = false;
     QBrush haloBrush;

@@ -7,21 +7,25 @@
 
 #include <QCheckBox>
 #include <QGridLayout>
+#include <QLabel>
 #include <QMap>
+#include <QPainter>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
 
-#include <cmath>
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
 
 namespace {
 
 const QColor kDisc(220, 20, 60);
 
 /// The gauge on a white ground, on a screen with so many pixels to a unit.
-QImage drawn(ydds &gauge, int pixelRatio = 1)
+QImage drawn(ydds &gauge, double pixelRatio = 1)
 {
-    QImage image(gauge.size() * pixelRatio, QImage::Format_RGB32);
+    QImage image((QSizeF(gauge.size()) * pixelRatio).toSize(), QImage::Format_RGB32);
     image.setDevicePixelRatio(pixelRatio);
     image.fill(Qt::white);
     gauge.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
@@ -38,22 +42,13 @@ QImage drawnArrow(int direction, float scale)
     return drawn(gauge);
 }
 
-/// Every pixel that lies wholly within the circle has the disc's colour, every one wholly outside is white; those in
-/// between are covered so far that the area is that of the circle.
-void verifyDisc(const QImage &image, QPoint centre, double radius)
+/// Largest difference of two pictures in a channel of a pixel.
+int difference(const QImage &one, const QImage &other)
 {
-    double area = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x) {
-            area += (255.0 - image.pixelColor(x, y).green()) / (255 - kDisc.green());
-            const double distance = std::hypot(x + 0.5 - centre.x(), y + 0.5 - centre.y());
-            if (distance < radius - 1)
-                QCOMPARE(image.pixelColor(x, y), kDisc);
-            else if (distance > radius + 1)
-                QCOMPARE(image.pixelColor(x, y), QColor(Qt::white));
-        }
-    }
-    QVERIFY(std::abs(std::sqrt(area / M_PI) - radius) < 0.1);
+    int most = 0;
+    for (int i = 0; i < one.height() * one.bytesPerLine(); ++i)
+        most = std::max(most, std::abs(one.constBits()[i] - other.constBits()[i]));
+    return most;
 }
 
 bool isInk(const QColor &colour)
@@ -68,13 +63,14 @@ class TestGauges : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void discFillsItsCircle();
+    void discIsPaintedAsStated();
+    void labelPaintsWhatItIsGiven();
     void arrowPoints();
     void gridMakesTilesOnce();
     void cellTellsItsButtons();
 };
 
-void TestGauges::discFillsItsCircle()
+void TestGauges::discIsPaintedAsStated()
 {
     struct Case
     {
@@ -82,17 +78,56 @@ void TestGauges::discFillsItsCircle()
         int radius;
     };
     // Half of 60 leaves an arrow width of 3, half of 150 one of 7; a gauge too small for a disc has one of 2 all the same.
-    for (const Case &each : {Case{{200, 120}, 57}, Case{{400, 300}, 143}, Case{{9, 40}, 2}}) {
-        ydds gauge;
-        gauge.resize(each.size);
-        for (const int pixelRatio : {1, 2}) {
-            gauge.discBrush.setColor(Qt::white);
-            const QPoint centre = QPoint(each.size.width() / 2, each.size.height() / 2) * pixelRatio;
-            QCOMPARE(drawn(gauge, pixelRatio).pixelColor(centre), QColor(Qt::white));
-            gauge.discBrush.setColor(kDisc);
-            verifyDisc(drawn(gauge, pixelRatio), centre, each.radius * pixelRatio + 0.5);
+    for (const Case &each :
+         {Case{{200, 120}, 57}, Case{{37, 24}, 10}, Case{{400, 300}, 143}, Case{{9, 40}, 2}}) {
+        for (const double pixelRatio : {1.0, 1.25, 1.5, 2.0}) {
+            for (const Qt::PenStyle style : {Qt::SolidLine, Qt::DotLine, Qt::NoPen}) {
+                ydds gauge;
+                gauge.resize(each.size);
+                QImage expected = drawn(gauge, pixelRatio);
+                QVERIFY(expected.allGray());
+                gauge.discBrush.setColor(kDisc);
+                gauge.discPen.setStyle(style);
+                QPainter painter(&expected);
+                painter.setRenderHint(QPainter::Antialiasing);
+                painter.setPen(QPen(kDisc, 0, style));
+                painter.setBrush(kDisc);
+                painter.drawEllipse(each.size.width() / 2 - each.radius, each.size.height() / 2 - each.radius,
+                                    2 * each.radius, 2 * each.radius);
+                painter.end();
+                const int most = difference(drawn(gauge, pixelRatio), expected);
+                QVERIFY2(most <= 2,
+                         qPrintable(QStringLiteral("radius %1, ratio %2, style %3: off by %4 of 255")
+                                        .arg(each.radius)
+                                        .arg(pixelRatio)
+                                        .arg(style)
+                                        .arg(most)));
+            }
         }
     }
+}
+
+void TestGauges::labelPaintsWhatItIsGiven()
+{
+    const auto corner = [](const std::function<void(QWidget &, ydds &)> &give) {
+        QWidget parent;
+        ydds gauge(&parent);
+        gauge.resize(40, 40);
+        give(parent, gauge);
+        gauge.ensurePolished();
+        return drawn(gauge).pixelColor(1, 20);
+    };
+    QPixmap blue(40, 40);
+    blue.fill(Qt::blue);
+    const QString sheet = QStringLiteral("QLabel { background: blue; }");
+    QCOMPARE(corner([&](QWidget &, ydds &gauge) { gauge.setPixmap(blue); }), QColor(Qt::blue));
+    QCOMPARE(corner([&](QWidget &, ydds &gauge) { gauge.setStyleSheet(sheet); }), QColor(Qt::blue));
+    QCOMPARE(corner([&](QWidget &parent, ydds &) { parent.setStyleSheet(sheet); }), QColor(Qt::blue));
+    QCOMPARE(corner([&](QWidget &parent, ydds &gauge) {
+                 gauge.ensurePolished();
+                 parent.setStyleSheet(sheet);
+             }),
+             QColor(Qt::blue));
 }
 
 void TestGauges::arrowPoints()
