@@ -5,12 +5,14 @@
 #include "views/sensorForm.h"
 #include "views/ydds.h"
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMap>
 #include <QPainter>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -68,6 +70,7 @@ private Q_SLOTS:
     void arrowPoints();
     void gridMakesTilesOnce();
     void cellTellsItsButtons();
+    void cellKeepsItsSizeOfText();
 };
 
 void TestGauges::discIsPaintedAsStated()
@@ -179,6 +182,23 @@ void TestGauges::cellTellsItsButtons()
     QCOMPARE(enables.count(), 2);
     QCOMPARE(enables.at(0).at(1).toBool(), true);
     QCOMPARE(enables.at(1).at(1).toBool(), false);
+}
+
+void TestGauges::cellKeepsItsSizeOfText()
+{
+    const QFont before = QApplication::font();
+    const auto back = qScopeGuard([&before] { QApplication::setFont(before); });
+    QFont small = before;
+    small.setPointSize(9);
+    QApplication::setFont(small);
+    dataForm cell(0, QStringLiteral("通道0"), 0);
+    cell.show();
+    for (const bool touched : {false, true}) {
+        if (touched)
+            cell.setTouched(true);
+        for (const char *name : {"lbIdx", "lbData", "pbtnReset", "chkpbEnable"})
+            QCOMPARE(cell.findChild<QWidget *>(QLatin1String(name))->font().pointSize(), 12);
+    }
 }
 
 QTEST_MAIN(TestGauges)
