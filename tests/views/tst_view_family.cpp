@@ -135,11 +135,14 @@ QString titles(const ViewProbe &view)
 void showWideNumbers(class_finger *view)
 {
     view->setShowData(true);
+    const float full = view->info != nullptr ? view->info->range : 20.0F;
+    // The floats of the long block have a sign.
+    const float block = std::max(full, 20.0F) * (view->info != nullptr && view->info->yddsFmt == 2 ? -1 : 1);
     for (unsigned char i = 0; i < 16; ++i) {
-        view->setYdds(i, 16.4F, 16.4F, 359);
-        view->setPress(i, 16.4F, 20.0F);
+        view->setYdds(i, block, block, 359);
+        view->setPress(i, full, full);
     }
-    view->setPressNList(QVector<float>(25, 16.4F), 20.0F);
+    view->setPressNList(QVector<float>(25, full), full);
 }
 
 /// True when what the gauge shows stands wholly on the left of its disc, in a size that can be read.
@@ -284,7 +287,11 @@ void TestViewFamily::nothingOverlaps()
     auto *pages = view.widget->findChild<QTabWidget *>();
     showWideNumbers(view.finger);
     // The font of a panel, and the room that it has for a view while the window has its first size.
-    view.widget->setFont(QFont(QString(), 15));
+    // Gauges have style sheets and so fonts of their own: the narrow letters around them must not count.
+    QFont font = view.widget->font();
+    font.setPointSize(15);
+    font.setLetterSpacing(QFont::PercentageSpacing, 50);
+    view.widget->setFont(font);
     QCOMPARE(view.widget->minimumSizeHint().boundedTo({499, 239}), view.widget->minimumSizeHint());
     for (const QSize &size : {QSize(1, 1), QSize(333, 257), QSize(700, 300), QSize(300, 900)}) {
         view.widget->resize(size.expandedTo(view.widget->minimumSizeHint()));

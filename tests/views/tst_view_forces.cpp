@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QScrollArea>
 #include <QSignalSpy>
@@ -47,6 +48,7 @@ private Q_SLOTS:
     void arrows();
     void pressColours();
     void channelsThatDoNotFit();
+    void childrenThatAreGone();
     void angleTable();
     void onePressedTile();
     void neighboursThatBalance();
@@ -148,6 +150,38 @@ void TestViewForces::channelsThatDoNotFit()
     QCOMPARE(array.tile(5)->discBrush.color(), QColor(Qt::white));
     array.finger->setPressNList(QVector<float>(40, 30.0F), 30.0F);
     QCOMPARE(array.tile(11)->discBrush.color(), QColor(208, 4, 4));
+}
+
+void TestViewForces::childrenThatAreGone()
+{
+    const ViewProbe array(55);
+    auto *grid = array.widget->findChild<sensorForm *>();
+    const auto pressAll = [&array] { array.finger->setPressNList(QVector<float>(25, 3.0F), 3.0F); };
+    grid->setRowColumnCount(3, 3);
+    pressAll(); // channel 10 lies at row 0, column 2 after the turn
+    QCOMPARE(array.tile(2)->discBrush.color(), QColor(208, 4, 4));
+    grid->rows = 9; // more than there are tiles
+    pressAll();
+    grid->setRowColumnCount(0, 0);
+    pressAll();
+    delete grid;
+    pressAll();
+
+    const ViewProbe view(85);
+    delete view.gauge(1);
+    delete view.disc(1);
+    for (auto *bar : view.widget->findChildren<QProgressBar *>())
+        delete bar;
+    view.finger->setYdds(0, 5.0F, 1.0F, 0);
+    view.finger->setPress(0, 5.0F, 20.0F);
+    view.finger->setPress(1, 20.0F, 20.0F);
+    view.finger->setSProx(0, 1);
+    view.finger->setMProx(0, 1);
+    QCOMPARE(view.disc(2)->discBrush.color(), QColor(208, 4, 4));
+    for (const ViewProbe *each : {&array, &view}) {
+        each->widget->resize(700, 500);
+        each->widget->grab();
+    }
 }
 
 void TestViewForces::angleTable()

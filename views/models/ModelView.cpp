@@ -30,12 +30,20 @@ float arrowScale(float tangential)
     return std::min(tangential / static_cast<float>(kGaugeFullScaleNewtons), 1.0F);
 }
 
-void setBar(const QVector<QProgressBar *> &bars, int index, unsigned int value)
+/// Without a row nothing says what a sensor has: one proximity value, and forces on the gauges' scale.
+finger_info_ts rowOrDefault(const finger_info_ts *row)
+{
+    finger_info_ts values;
+    values.sProxNum = 1;
+    values.range = static_cast<float>(kGaugeFullScaleNewtons);
+    return row != nullptr ? *row : values;
+}
+
+void setBar(const QVector<QPointer<QProgressBar>> &bars, int index, unsigned int value)
 {
     // A bar ignores what lies beyond its maximum, so the value is cut to it first.
-    if (index < bars.size())
-        bars.at(index)->setValue(
-            static_cast<int>(std::min(value, static_cast<unsigned int>(bars.at(index)->maximum()))));
+    if (QProgressBar *bar = bars.value(index); bar != nullptr)
+        bar->setValue(static_cast<int>(std::min(value, static_cast<unsigned int>(bar->maximum()))));
 }
 
 } // namespace
@@ -46,9 +54,7 @@ ModelView::ModelView(const ViewLayout &layout, QWidget *parent)
     , m_layout(layout)
 {
     announce();
-    // Without a row nothing says how many values there are; such a sensor has one.
-    ui.setupUi(this, className(layout), layout, info != nullptr ? info->sProxNum : 1,
-               info != nullptr ? info->mProxNum : 0);
+    ui.setupUi(this, className(layout), layout, rowOrDefault(info));
     if (ui.wgSensor != nullptr)
         m_tiles = std::make_unique<TileArray>(*layout.drawing->tiles, ui.wgSensor);
     if (ui.tabWidget != nullptr)
@@ -85,12 +91,12 @@ void ModelView::setShowData(bool show)
 
 void ModelView::setYdds(unsigned char block, float normal, float tangential, unsigned short direction)
 {
-    if (block >= ui.gauges.size()) {
+    ydds *gauge = ui.gauges.value(block);
+    if (gauge == nullptr) {
         if (m_layout.has(kTellsMissingGauge))
             qDebug("not found lb");
         return;
     }
-    ydds *gauge = ui.gauges.at(block);
     setDisc(gauge, gaugeColour(normal, m_layout.shades, m_layout.has(kFullAtScale)));
     setArrow(gauge, arrowDirection(m_layout.arrow, normal, tangential, direction), arrowScale(tangential));
     if (m_layout.gaugeText != GaugeText::None)
@@ -112,9 +118,9 @@ void ModelView::setMProx(unsigned char index, unsigned int value)
 
 void ModelView::setPress(unsigned char channel, float newtons, float range)
 {
-    if (channel >= ui.discs.size())
+    ydds *disc = ui.discs.value(channel);
+    if (disc == nullptr)
         return;
-    ydds *disc = ui.discs.at(channel);
     setDisc(disc, pressColour(static_cast<double>(newtons) * 100 / static_cast<double>(range)));
     if (m_layout.has(kDiscTexts))
         disc->setText(showData ? forceText(newtons) : QString());

@@ -18,18 +18,15 @@ constexpr int kGapBeforeDisc = 1;
 /// Keeps the text of a tile off the edge of its cell.
 constexpr int kTileIndent = 3;
 
-/// The widest texts that gauges carry: a force, and a force block.
-constexpr char kForceNumber[] = "16.40";
-constexpr char kBlockNumbers[] = "16.40\n16.40\n359";
-
 QColor mixed(const QColor &back, const QColor &front, double part)
 {
     const auto mix = [part](int from, int to) { return static_cast<int>(from + (to - from) * part); };
     return {mix(back.red(), front.red()), mix(back.green(), front.green()), mix(back.blue(), front.blue())};
 }
 
-/// Pixel size of the largest digits with which `text` fits on the left of the disc of a gauge.
-int digitSize(QFont font, QSize gauge, const char *text, int indent = 0)
+/// Pixel size of the largest digits with which `text` fits on the left of the disc of a gauge. The font has to be the
+/// gauge's own: a label with a style sheet does not take its parent's.
+int digitSize(QFont font, QSize gauge, const QString &text, int indent = 0)
 {
     const int disc = gaugeSize(gauge.width(), gauge.height(), false).radius;
     const QSize room(gauge.width() / 2 - disc - kGapBeforeDisc - indent, gauge.height());
@@ -37,7 +34,7 @@ int digitSize(QFont font, QSize gauge, const char *text, int indent = 0)
     QSize needed;
     do {
         font.setPixelSize(--pixels);
-        needed = QFontMetrics(font).size(0, QLatin1String(text));
+        needed = QFontMetrics(font).size(0, text);
     } while (pixels > kSmallestDigits && (needed.width() > room.width() || needed.height() > room.height()));
     return pixels;
 }
@@ -61,22 +58,23 @@ SensorPicture::SensorPicture(Outline outline, QWidget *parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void SensorPicture::addSpot(const Spot &spot, QWidget *gauge, SpotText text)
+void SensorPicture::addSpot(const Spot &spot, QWidget *gauge, const QString &widestText)
 {
-    m_regions.append({spot, gauge, text});
+    m_regions.append({spot, gauge, widestText});
     if (gauge == nullptr)
         return;
-    if (text != SpotText::None)
+    if (!widestText.isEmpty())
         m_margin =
             std::max({m_margin, spot.width / 2 - spot.x, spot.x + spot.width / 2 - m_outline.size.width()});
     gauge->setParent(this);
     placeGauge(m_regions.constLast());
 }
 
-void SensorPicture::setTiles(const TileLayout &tiles, QWidget *grid)
+void SensorPicture::setTiles(const TileLayout &tiles, QWidget *grid, const QString &widestText)
 {
     m_tiles = &tiles;
     m_grid = grid;
+    m_widestTileText = widestText;
     m_grid->setParent(this);
     placeTiles();
 }
@@ -107,15 +105,14 @@ QPointF SensorPicture::origin() const
 void SensorPicture::placeGauge(const Region &region) const
 {
     const Spot &spot = region.spot;
-    const double across = region.text == SpotText::None ? spot.diameter : spot.width;
+    const double across = region.widestText.isEmpty() ? spot.diameter : spot.width;
     const QPointF centre = origin() + QPointF(spot.x, spot.y) * scale();
     // Whole pixels downwards, so that neighbours never grow into each other.
     const QSize size(static_cast<int>(across * scale()), static_cast<int>(spot.diameter * scale()));
     region.gauge->setGeometry(
         QRect(QPointF(centre.x() - size.width() / 2.0, centre.y() - size.height() / 2.0).toPoint(), size));
-    if (region.text != SpotText::None)
-        setDigitSize(region.gauge, digitSize(region.gauge->font(), size,
-                                             region.text == SpotText::Force ? kForceNumber : kBlockNumbers));
+    if (!region.widestText.isEmpty())
+        setDigitSize(region.gauge, digitSize(region.gauge->font(), size, region.widestText));
 }
 
 void SensorPicture::placeTiles() const
@@ -124,9 +121,11 @@ void SensorPicture::placeTiles() const
     const QRect place = QRectF(corner, QSizeF(m_tiles->width, m_tiles->height) * scale()).toRect();
     m_grid->setGeometry(place);
     const QSize tileSize(place.width() / m_tiles->columns, place.height() / m_tiles->rows);
-    const int pixels = digitSize(font(), tileSize, kForceNumber, kTileIndent);
-    // A label with a style sheet does not take its parent's font, so each tile is told.
-    for (QLabel *tile : m_grid->findChildren<QLabel *>()) {
+    const QList<QLabel *> all = m_grid->findChildren<QLabel *>();
+    if (all.isEmpty())
+        return;
+    const int pixels = digitSize(all.constFirst()->font(), tileSize, m_widestTileText, kTileIndent);
+    for (QLabel *tile : all) {
         setDigitSize(tile, pixels);
         tile->setIndent(kTileIndent);
     }

@@ -3,15 +3,10 @@
 #include "views/models/sensor_outline.h"
 
 #include <QPixmap>
+#include <QPointer>
+#include <QString>
 #include <QVector>
 #include <QWidget>
-
-/// What is written on the left of a gauge's disc.
-enum class SpotText {
-    None,
-    Force, ///< one number
-    Block  ///< three lines: normal and tangential force, direction
-};
 
 /// A quiet drawing of the sensor that keeps gauges and tiles over its regions at every size.
 class SensorPicture : public QWidget
@@ -21,11 +16,11 @@ class SensorPicture : public QWidget
 public:
     explicit SensorPicture(Outline outline, QWidget *parent = nullptr);
 
-    /// Marks a region and, if there is a gauge, keeps it there and takes it as a child. With a text the gauge has the
-    /// width of the spot, and the picture is never so small that the text would run under the disc.
-    void addSpot(const Spot &spot, QWidget *gauge = nullptr, SpotText text = SpotText::None);
+    /// Marks a region and, if there is a gauge, keeps it there and takes it as a child. With a text, of which
+    /// the widest is given, the gauge has the width of the spot, and digits that keep the text on the left of the disc.
+    void addSpot(const Spot &spot, QWidget *gauge = nullptr, const QString &widestText = QString());
     /// Marks the cells of an array and keeps the grid over them, which becomes a child.
-    void setTiles(const TileLayout &tiles, QWidget *grid);
+    void setTiles(const TileLayout &tiles, QWidget *grid, const QString &widestText);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -39,8 +34,8 @@ private:
     struct Region
     {
         Spot spot;
-        QWidget *gauge;
-        SpotText text;
+        QPointer<QWidget> gauge;
+        QString widestText;
     };
 
     double scale() const;
@@ -54,6 +49,7 @@ private:
     QVector<Region> m_regions;
     double m_margin = 0; // on either side of the outline, where gauges with a text reach beyond it
     const TileLayout *m_tiles = nullptr;
-    QWidget *m_grid = nullptr;
+    QPointer<QWidget> m_grid;
+    QString m_widestTileText;
     QPixmap m_backdrop; // null until it is painted at the present size and palette
 };

@@ -7,12 +7,13 @@
 #include "views/sensorForm.h"
 
 #include <algorithm>
+#include <utility>
 
 TileArray::TileArray(const TileLayout &layout, sensorForm *grid)
     : sensorList(tileNeighbours(layout.rows, layout.columns))
     , sinCos(sinCosTable())
     , m_grid(grid)
-    , m_quarterTurn(layout.quarterTurn)
+    , m_layout(layout)
 {
     m_grid->setRowColumnCount(static_cast<unsigned char>(layout.rows),
                               static_cast<unsigned char>(layout.columns));
@@ -25,6 +26,8 @@ void TileArray::show(const QVector<float> &newtons, float range, bool withTexts)
     const int count = std::min(sensorList.size(), newtons.size());
     for (int index = 0; index < count; ++index) {
         class_ydds *each = tile(index);
+        if (each == nullptr)
+            continue;
         showTile(each, index, newtons, range);
         each->setText(withTexts ? forceText(newtons.at(index)) : QString());
     }
@@ -32,11 +35,15 @@ void TileArray::show(const QVector<float> &newtons, float range, bool withTexts)
 
 class_ydds *TileArray::tile(int index) const
 {
-    const int columns = m_grid->columns;
-    const int row = index / columns;
-    const int column = index % columns;
-    const int cell = m_quarterTurn ? column * columns + (columns - 1 - row) : index;
-    return m_grid->yddsList.at(cell);
+    int row = index / m_layout.columns;
+    int column = index % m_layout.columns;
+    if (m_layout.quarterTurn) {
+        std::swap(row, column);
+        column = m_layout.columns - 1 - column;
+    }
+    if (m_grid.isNull() || row >= m_grid->rows || column >= m_grid->columns)
+        return nullptr;
+    return m_grid->yddsList.value(row * m_grid->columns + column);
 }
 
 void TileArray::showTile(class_ydds *tile, int index, const QVector<float> &newtons, float range) const
@@ -48,7 +55,7 @@ void TileArray::showTile(class_ydds *tile, int index, const QVector<float> &newt
         setArrow(tile, kNoArrow, tile->arrowScale);
         return;
     }
-    const int direction = m_quarterTurn ? (gradient.angle + 90) % 360 : gradient.angle;
+    const int direction = m_layout.quarterTurn ? (gradient.angle + 90) % 360 : gradient.angle;
     setArrow(tile, static_cast<uint16_t>(direction),
              static_cast<float>(std::min(gradient.magnitude / 100.0, 1.0)));
 }

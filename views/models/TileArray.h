@@ -2,6 +2,7 @@
 
 #include "views/models/tile_gradient.h"
 
+#include <QPointer>
 #include <QVector>
 
 class class_ydds;
@@ -16,7 +17,7 @@ public:
     /// A tile's neighbourhood.
     using sensor_ts = QVector<member_ts>;
 
-    /// Shapes `grid`, which must outlive the array.
+    /// Shapes `grid`. The layout must outlive the array.
     TileArray(const TileLayout &layout, sensorForm *grid);
 
     /// Forces by channel in newtons. Tiles beyond the last force stay as they are, forces beyond the last tile are not
@@ -27,9 +28,10 @@ public:
     QVector<SinCos> sinCos;
 
 private:
+    /// Null where the grid has been given another shape since, or has gone.
     class_ydds *tile(int index) const;
     void showTile(class_ydds *tile, int index, const QVector<float> &newtons, float range) const;
 
-    sensorForm *m_grid;
-    bool m_quarterTurn;
+    QPointer<sensorForm> m_grid;
+    const TileLayout &m_layout;
 };

@@ -1,6 +1,8 @@
 #include "views/models/ViewForm.h"
 
+#include "protocol/finger_info.h"
 #include "views/models/SensorPicture.h"
+#include "views/models/gauge_writing.h"
 #include "views/models/view_layout.h"
 #include "views/sensorForm.h"
 #include "views/ydds.h"
@@ -13,10 +15,21 @@
 #include <QScrollArea>
 #include <QTabWidget>
 
+#include <algorithm>
+
 namespace {
 
 /// Index of the page with the board picture, behind the pages that every view with such a page has.
 constexpr int kBoardPageIndex = 2;
+
+/// The widest text of a force block: both forces at full scale, with a sign where the format has one, and a direction.
+QString widestBlock(const finger_info_ts &row)
+{
+    const bool isSigned = row.yddsFmt == 2 || row.yddsFmt == 5;
+    const QString force = (isSigned ? QStringLiteral("-") : QString()) +
+                          forceText(std::max(row.range, static_cast<float>(kGaugeFullScaleNewtons)));
+    return force + QLatin1Char('\n') + force + QStringLiteral("\n359");
+}
 
 QString numbered(const char *name, int number)
 {
@@ -34,7 +47,7 @@ QWidget *pageWith(QWidget *content)
 {
     auto *page = new QWidget;
     auto *layout = new QVBoxLayout(page);
-    layout->setContentsMargins(6, 6, 6, 6);
+    layout->setContentsMargins(6, 4, 6, 4);
     layout->addWidget(content);
     return page;
 }
@@ -55,12 +68,14 @@ QProgressBar *addBar(QGridLayout *grid, const QString &name, const QString &capt
 
 } // namespace
 
-void ViewForm::setupUi(QWidget *view, const QByteArray &viewClass, const ViewLayout &layout, int sProxNum,
-                       int mProxNum)
+void ViewForm::setupUi(QWidget *view, const QByteArray &viewClass, const ViewLayout &layout,
+                       const finger_info_ts &row)
 {
+    m_widestForce = forceText(row.range);
+    m_widestBlock = widestBlock(row);
     view->setObjectName(QString::fromLatin1(viewClass));
     const bool emptyForm = layout.drawing->gauges.count == 0;
-    const int barCount = emptyForm ? 0 : sProxNum + mProxNum;
+    const int barCount = emptyForm ? 0 : row.sProxNum + row.mProxNum;
     const bool pictureOnPage = layout.has(kGaugePage) || layout.has(kForcePage);
     const QSize picture = sensorOutline(layout.drawing->outline).size;
     const bool besideEachOther =
@@ -69,9 +84,7 @@ void ViewForm::setupUi(QWidget *view, const QByteArray &viewClass, const ViewLay
     box->setContentsMargins(0, 0, 0, 0);
     if (!pictureOnPage)
         box->addWidget(makeGaugePicture(layout, true), besideEachOther ? 1 : 3);
-    QWidget *bars = barCount > 0 || layout.has(kProximityPage)
-                        ? makeBars(layout.barMaximum, sProxNum, mProxNum)
-                        : nullptr;
+    QWidget *bars = barCount > 0 || layout.has(kProximityPage) ? makeBars(layout.barMaximum, row) : nullptr;
     if (layout.pages != kNoPages) {
         tabWidget = new QTabWidget;
         tabWidget->setObjectName(QStringLiteral("tabWidget"));
@@ -93,6 +106,7 @@ void ViewForm::addPages(const QByteArray &viewClass, const ViewLayout &layout, Q
         add(pageWith(layout.has(kGaugePage) ? makeForcePicture(layout) : makeGaugePicture(layout, true)),
             "压力");
     if (layout.has(kProximityPage)) {
+        bars->layout()->setContentsMargins(0, 0, 0, 0); // the page has margins
         QWidget *page = pageWith(bars);
         page->layout()->setAlignment(bars, Qt::AlignTop);
         add(page, "接近");
@@ -129,8 +143,7 @@ void ViewForm::addGauges(SensorPicture *picture, const ViewLayout &layout)
         ydds *gauge = makeGauge(numbered("label_", gauges.size() + 1));
         if (layout.gaugeText != GaugeText::None)
             gauge->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        picture->addSpot(spot, gauge,
-                         layout.gaugeText == GaugeText::WhenAsked ? SpotText::Block : SpotText::None);
+        picture->addSpot(spot, gauge, layout.gaugeText == GaugeText::WhenAsked ? m_widestBlock : QString());
         gauges.append(gauge);
     }
 }
@@ -140,17 +153,17 @@ void ViewForm::addForces(SensorPicture *picture, const ViewLayout &layout)
     for (const Spot &spot : layout.drawing->discs) {
         ydds *disc = makeGauge(numbered("lbPress_", discs.size() + 1));
         disc->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-        picture->addSpot(spot, disc, layout.has(kDiscTexts) ? SpotText::Force : SpotText::None);
+        picture->addSpot(spot, disc, layout.has(kDiscTexts) ? m_widestForce : QString());
         discs.append(disc);
     }
     if (const TileLayout *tiles = layout.drawing->tiles; tiles != nullptr) {
         wgSensor = new sensorForm;
         wgSensor->setObjectName(QStringLiteral("wgSensor"));
-        picture->setTiles(*tiles, wgSensor);
+        picture->setTiles(*tiles, wgSensor, m_widestForce);
     }
 }
 
-QWidget *ViewForm::makeBars(int maximum, int sProxNum, int mProxNum)
+QWidget *ViewForm::makeBars(int maximum, const finger_info_ts &row)
 {
     auto *box = new QWidget;
     auto *grid = new QGridLayout(box);
@@ -159,10 +172,10 @@ QWidget *ViewForm::makeBars(int maximum, int sProxNum, int mProxNum)
     const auto caption = [](const QString &text, int index) {
         return QStringLiteral("%1 %2").arg(text).arg(index);
     };
-    for (int i = 0; i < sProxNum; ++i)
+    for (int i = 0; i < row.sProxNum; ++i)
         sProxBars.append(
             addBar(grid, numbered("pbSProx_", i + 1), caption(QObject::tr("自电容接近"), i), maximum));
-    for (int i = 0; i < mProxNum; ++i)
+    for (int i = 0; i < row.mProxNum; ++i)
         mProxBars.append(
             addBar(grid, numbered("pbMProx_", i + 1), caption(QObject::tr("互电容接近"), i), maximum));
     return box;
