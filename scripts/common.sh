@@ -11,6 +11,7 @@ build_packages=(
 )
 test_packages=(umockdev libumockdev-dev python3 binutils)
 check_packages=(git clang-format clang-tidy)
+font_packages=(fonts-urw-base35)
 
 say() { printf '== %s\n' "$*"; }
 
