@@ -24,9 +24,6 @@ constexpr int kBridgePasses = 5;
 constexpr auto kBridgePass = 10ms;
 constexpr int kSerialPasses = 50;
 
-constexpr uint8_t kFrameSync1 = 0x55;
-constexpr uint8_t kFrameSync2 = 0xAA;
-constexpr uint8_t kSampleCommand = 0x85;
 /// Sent instead by a sensor that does not wait to be polled yet.
 constexpr uint8_t kUnpolledSampleCommand = 0xF2;
 
@@ -38,7 +35,7 @@ using FrameBuffer = std::array<uint8_t, kLongestFrame>;
 
 bool hasSampleSync(const FrameBuffer &frame)
 {
-    return frame[0] == kFrameSync1 && frame[1] == kFrameSync2;
+    return frame[0] == kResponseSync1 && frame[1] == kResponseSync2;
 }
 
 /// Sensors of different buses shall start their conversions at different positions.

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr uint8_t kFrameSync1 = 0x55;
-constexpr uint8_t kFrameSync2 = 0xAA;
 constexpr int kCounterAt = 4;
 
 /// Room for two of the longest frames and some noise, kept from read to read.
@@ -21,7 +19,8 @@ constexpr int kSamplePasses = 100;
 
 bool isSample(const QVector<uint8_t> &pack)
 {
-    return pack[0] == kFrameSync1 && pack[1] == kFrameSync2 && frameSumFits(pack.constData(), pack.size());
+    return pack[0] == kResponseSync1 && pack[1] == kResponseSync2 &&
+           frameSumFits(pack.constData(), pack.size());
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "engine/SensorBus.h"
 
+#include "protocol/frame_layout.h"
+
 #include "link/SensorLink.h"
 #include "link/pca9548.h"
 
@@ -14,14 +16,13 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr uint8_t kFrameSync1 = 0x55;
 /// An absent multiplexer reads as more than this.
 constexpr uint8_t kHighestIdleSelection = 1;
 constexpr std::chrono::milliseconds kPass = 1ms;
 
 void dropUntilSync(QByteArray &received)
 {
-    const int syncAt = received.indexOf(static_cast<char>(kFrameSync1));
+    const int syncAt = received.indexOf(static_cast<char>(kResponseSync1));
     received.remove(0, syncAt < 0 ? received.size() : syncAt);
 }
 

@@ -15,20 +15,17 @@
 
 namespace {
 
-constexpr int kCommandPosition = 3;
-constexpr int kPayloadPosition = 4;
-constexpr int kFrameOverhead = 6;
 constexpr int kSerialNumberMax = 50;
 constexpr std::chrono::milliseconds kParameterRereadMs{1000};
 
 Command commandOf(const QByteArray &request)
 {
-    return static_cast<Command>(static_cast<uint8_t>(request.at(kCommandPosition)));
+    return static_cast<Command>(static_cast<uint8_t>(request.at(kCommandAt)));
 }
 
 QByteArray nameOf(const QByteArray &request)
 {
-    return class_sensorCmd::getStr(static_cast<uint8_t>(request.at(kCommandPosition))).toUtf8();
+    return class_sensorCmd::getStr(static_cast<uint8_t>(request.at(kCommandAt))).toUtf8();
 }
 
 // A box knows off and on; whatever else a sensor says counts as the nearer of the two.
@@ -80,7 +77,7 @@ void fingerForm::sl_cmdRsp(uint8_t inf, uint8_t address, QByteArray req, QByteAr
 {
     if (!isMine(inf, address))
         return;
-    if (req.size() <= kCommandPosition || rsp.size() <= kCommandPosition) {
+    if (req.size() <= kCommandAt || rsp.size() <= kCommandAt) {
         qDebug("cmd req len err");
         return;
     }
@@ -209,7 +206,7 @@ void fingerForm::addressSet(const QByteArray &req, const QByteArray &rsp)
 
 void fingerForm::unknownAnswer(const QByteArray &req, const QByteArray &rsp)
 {
-    if (FrameReader(rsp).byteAt(kCommandPosition) != 0)
+    if (FrameReader(rsp).byteAt(kCommandAt) != 0)
         qDebug("rsp cmd not found");
     else
         qDebug("不支持的命令:%s", nameOf(req).constData());
@@ -223,14 +220,14 @@ void fingerForm::showAutoDacPowerUp(const QByteArray &, const QByteArray &rsp)
 void fingerForm::showPressReleaseThreshold(const QByteArray &, const QByteArray &rsp)
 {
     const FrameReader reader(rsp);
-    ui->spbPressReleaseThreshold->setValue(spinValue(reader.u32At(kPayloadPosition)));
+    ui->spbPressReleaseThreshold->setValue(spinValue(reader.u32At(kPayloadAt)));
     ui->spbPressReleaseThresholdScale->setValue(reader.signedAt(8));
 }
 
 void fingerForm::showProxReleaseThreshold(const QByteArray &, const QByteArray &rsp)
 {
     const FrameReader reader(rsp);
-    ui->spbProxReleaseThreshold->setValue(spinValue(reader.u32At(kPayloadPosition)));
+    ui->spbProxReleaseThreshold->setValue(spinValue(reader.u32At(kPayloadAt)));
     ui->spbProxReleaseThresholdScale->setValue(reader.signedAt(8));
 }
 
@@ -241,7 +238,7 @@ void fingerForm::showDac(const QByteArray &, const QByteArray &rsp)
     QVector<unsigned char> second;
     QVector<unsigned short> third;
     for (int i = 0; i < channelCount(); ++i) {
-        const int position = kPayloadPosition + 4 * i;
+        const int position = kPayloadAt + 4 * i;
         first += reader.byteAt(position);
         second += reader.byteAt(position + 1);
         third += reader.u16At(position + 2);
@@ -252,13 +249,13 @@ void fingerForm::showDac(const QByteArray &, const QByteArray &rsp)
 void fingerForm::showExcitation(const QByteArray &, const QByteArray &rsp)
 {
     if (holdsPerChannel(rsp, 1, channelCount()))
-        setExcF(bytesOf(FrameReader(rsp), kPayloadPosition, channelCount()));
+        setExcF(bytesOf(FrameReader(rsp), kPayloadAt, channelCount()));
 }
 
 void fingerForm::showRange(const QByteArray &, const QByteArray &rsp)
 {
     if (holdsPerChannel(rsp, 1, channelCount()))
-        setRange(bytesOf(FrameReader(rsp), kPayloadPosition, channelCount()));
+        setRange(bytesOf(FrameReader(rsp), kPayloadAt, channelCount()));
 }
 
 void fingerForm::showFilter(const QByteArray &, const QByteArray &rsp)
@@ -269,22 +266,21 @@ void fingerForm::showFilter(const QByteArray &, const QByteArray &rsp)
     const FrameReader reader(rsp);
     QVector<float> third;
     for (int i = 0; i < channels; ++i)
-        third += reader.floatAt(kPayloadPosition + 2 * channels + 4 * i);
-    setFilter(bytesOf(reader, kPayloadPosition, channels),
-              bytesOf(reader, kPayloadPosition + channels, channels), third);
+        third += reader.floatAt(kPayloadAt + 2 * channels + 4 * i);
+    setFilter(bytesOf(reader, kPayloadAt, channels), bytesOf(reader, kPayloadAt + channels, channels), third);
 }
 
 void fingerForm::showProxClearTouch(const QByteArray &, const QByteArray &rsp)
 {
     const FrameReader reader(rsp);
-    ui->chkbtnProxClearTouch->setCheckState(checkState(reader.signedAt(kPayloadPosition)));
+    ui->chkbtnProxClearTouch->setCheckState(checkState(reader.signedAt(kPayloadAt)));
     ui->spbProxClearTouchTimeout->setValue(spinValue(reader.u32At(5)));
 }
 
 void fingerForm::showTimeout(const QByteArray &, const QByteArray &rsp)
 {
     if (holdsPerChannel(rsp, 4, channelCount()))
-        setTimeout(wordsOf(FrameReader(rsp), kPayloadPosition, channelCount()));
+        setTimeout(wordsOf(FrameReader(rsp), kPayloadAt, channelCount()));
 }
 
 void fingerForm::storeSensorNum(const QByteArray &, const QByteArray &rsp)
@@ -299,12 +295,12 @@ void fingerForm::storeSensorNum(const QByteArray &, const QByteArray &rsp)
 void fingerForm::showThreshold(const QByteArray &, const QByteArray &rsp)
 {
     if (holdsPerChannel(rsp, 4, channelCount()))
-        setThreshold(wordsOf(FrameReader(rsp), kPayloadPosition, channelCount()));
+        setThreshold(wordsOf(FrameReader(rsp), kPayloadAt, channelCount()));
 }
 
 void fingerForm::showTemperature(const QByteArray &, const QByteArray &rsp)
 {
-    const uint16_t hundredths = FrameReader(rsp).u16At(kPayloadPosition);
+    const uint16_t hundredths = FrameReader(rsp).u16At(kPayloadAt);
     qDebug("temp:%d", hundredths);
     ui->lbTemp->setText(QString::number(hundredths / 100.0, 'f', 2));
 }
@@ -317,7 +313,7 @@ void fingerForm::showVersion(const QByteArray &, const QByteArray &rsp)
 
 void fingerForm::showSerialNumber(const QByteArray &, const QByteArray &rsp)
 {
-    const int length = FrameReader(rsp).byteAt(kPayloadPosition);
+    const int length = FrameReader(rsp).byteAt(kPayloadAt);
     ui->lbSN->setText(textAt(rsp, 5, std::min(length, kSerialNumberMax)));
 }
 

@@ -19,7 +19,6 @@
 
 namespace {
 
-constexpr int kFrameOverhead = 6;
 constexpr int kForceListOverhead = 7;
 /// The largest raw value that fits into an ordinary request.
 constexpr uint32_t kShortPointMax = 0xFFFFFE;

@@ -18,7 +18,6 @@ namespace {
 
 constexpr uint16_t kVersionLength = 25;
 constexpr uint16_t kShortAnswerLength = 11;
-constexpr int kFrameOverhead = 6; ///< what a response has besides its payload
 
 /// Rereads give the sensor time to take over what it was sent.
 constexpr std::chrono::milliseconds kThresholdRereadMs{200};

@@ -1,5 +1,7 @@
 #include "protocol/class_sensorCmd.h"
 
+#include "protocol/payloads.h"
+
 #include <algorithm>
 
 namespace {
@@ -29,18 +31,6 @@ uint8_t build(uint8_t addr, uint8_t cmd, const RequestPayload &payload, uint8_t 
 uint8_t build(uint8_t addr, uint8_t cmd, uint8_t *buf)
 {
     return build(addr, cmd, {}, buf);
-}
-
-/// A byte that picks a channel or a point, then a value of 32 bits.
-RequestPayload indexAndValue(uint8_t index, uint32_t value)
-{
-    return {index, byteOf(value, 0), byteOf(value, 1), byteOf(value, 2), byteOf(value, 3)};
-}
-
-/// Where a frame carries one value and no channel, the value stands in the fourth place.
-RequestPayload singleValue(uint8_t value)
-{
-    return {0, 0, 0, value, 0};
 }
 
 } // namespace
@@ -100,7 +90,7 @@ uint8_t class_sensorCmd::SC_Factor(uint8_t addr, uint8_t *buf)
 
 uint8_t class_sensorCmd::SC_SetCali(uint8_t addr, uint8_t idx, uint32_t value, uint8_t *buf)
 {
-    return build(addr, 0x78, indexAndValue(idx, value), buf);
+    return build(addr, 0x78, payloadByteAndWord(idx, value), buf);
 }
 
 uint8_t class_sensorCmd::SC_SetYddsUnif(uint8_t addr, uint8_t *buf)
@@ -110,7 +100,7 @@ uint8_t class_sensorCmd::SC_SetYddsUnif(uint8_t addr, uint8_t *buf)
 
 uint8_t class_sensorCmd::SC_SetSendType(uint8_t addr, uint8_t type, uint8_t *buf)
 {
-    return build(addr, 0x7F, singleValue(type), buf);
+    return build(addr, 0x7F, payloadByte7(type), buf);
 }
 
 uint8_t class_sensorCmd::SC_GetAddr(uint8_t addr, uint8_t *buf)
@@ -125,7 +115,7 @@ uint8_t class_sensorCmd::SC_GetType(uint8_t addr, uint8_t *buf)
 
 uint8_t class_sensorCmd::SC_SetAddr(uint8_t addr, uint8_t newAddr, uint8_t *buf)
 {
-    return build(addr, 0x70, singleValue(newAddr), buf);
+    return build(addr, 0x70, payloadByte7(newAddr), buf);
 }
 
 uint8_t class_sensorCmd::SC_AutoDac(uint8_t addr, uint8_t *buf)
@@ -135,7 +125,7 @@ uint8_t class_sensorCmd::SC_AutoDac(uint8_t addr, uint8_t *buf)
 
 uint8_t class_sensorCmd::SC_AutoThreshold(uint8_t addr, uint8_t ch, uint32_t value, uint8_t *buf)
 {
-    return build(addr, 0x67, indexAndValue(ch, value), buf);
+    return build(addr, 0x67, payloadByteAndWord(ch, value), buf);
 }
 
 uint8_t class_sensorCmd::SC_GetAutoThreshold(uint8_t addr, uint8_t *buf)
@@ -151,7 +141,7 @@ uint8_t class_sensorCmd::SC_SetChannelCali(uint8_t addr, uint8_t ch, uint8_t idx
 
 uint8_t class_sensorCmd::SC_SetChannelThreshold(uint8_t addr, uint8_t ch, uint32_t value, uint8_t *buf)
 {
-    return build(addr, 0x69, indexAndValue(ch, value), buf);
+    return build(addr, 0x69, payloadByteAndWord(ch, value), buf);
 }
 
 uint8_t class_sensorCmd::SC_GetChannelCali(uint8_t addr, uint8_t ch, uint8_t *buf)
@@ -166,7 +156,7 @@ uint8_t class_sensorCmd::SC_GetSensorChannel(uint8_t addr, uint8_t *buf)
 
 uint8_t class_sensorCmd::SC_SetCapOffset(uint8_t addr, uint8_t offset, uint8_t *buf)
 {
-    return build(addr, 0x73, singleValue(offset), buf);
+    return build(addr, 0x73, payloadByte7(offset), buf);
 }
 
 uint8_t class_sensorCmd::SC_GetErrCode(uint8_t addr, uint8_t *buf)

@@ -6,12 +6,6 @@
 
 namespace {
 
-constexpr uint8_t kRequestSync1 = 0xAA;
-constexpr uint8_t kRequestSync2 = 0x55;
-constexpr int kHeaderLength = 4;
-constexpr int kSumLength = 2;
-constexpr int kShortestFrame = kHeaderLength + kSumLength;
-
 uint16_t storedSum(const uint8_t *bytes)
 {
     return static_cast<uint16_t>(bytes[0] | (bytes[1] << 8));
@@ -78,7 +72,7 @@ QByteArray requestFrame(uint8_t frameAddress, uint8_t command, const RequestPayl
 QByteArray longRequestFrame(uint8_t frameAddress, uint8_t command, const QByteArray &payload)
 {
     QByteArray frame;
-    frame.reserve(payload.size() + kShortestFrame);
+    frame.reserve(payload.size() + kFrameOverhead);
     for (const uint8_t byte : {kRequestSync1, kRequestSync2, frameAddress, command})
         frame.append(static_cast<char>(byte));
     frame.append(payload);
@@ -89,7 +83,7 @@ QByteArray longRequestFrame(uint8_t frameAddress, uint8_t command, const QByteAr
 
 int getPackLen(const uint8_t *buf, int len)
 {
-    if (len < kShortestFrame)
+    if (len < kFrameOverhead)
         return 0;
     uint16_t sum = 0;
     for (int i = 0; i < len - kSumLength; ++i) {
@@ -103,9 +97,9 @@ int getPackLen(const uint8_t *buf, int len)
 
 int getSensorPackLen(const uint8_t *buf, int len)
 {
-    if (len < kShortestFrame)
+    if (len < kFrameOverhead)
         return 0;
-    const int lowerBound = buf[5] + kShortestFrame;
+    const int lowerBound = buf[kSampleLowerBoundAt] + kFrameOverhead;
     uint16_t sum = 0;
     for (int i = 0; i < len - kSumLength; ++i) {
         sum = addByte(sum, buf[i]);

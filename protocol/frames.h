@@ -1,5 +1,7 @@
 #pragma once
 
+#include "protocol/frame_layout.h"
+
 #include <QByteArray>
 
 #include <array>
@@ -8,13 +10,7 @@
 /// What every frame of the sensors has in common: two sync bytes, a frame address, a command, and at the end the 16-bit
 /// sum of everything before it, low byte first. Nothing here looks at more than the bytes it is given.
 
-/// Length of an ordinary request frame, and of its payload.
-constexpr int kRequestLength = 11;
-constexpr int kRequestPayloadLength = 5;
 using RequestPayload = std::array<uint8_t, kRequestPayloadLength>;
-
-/// A response echoes the request's command with this bit set.
-constexpr uint8_t kResponseBit = 0x80;
 
 /// The bytes of an array as the protocol counts them, without a sign.
 inline const uint8_t *frameBytes(const QByteArray &frame)

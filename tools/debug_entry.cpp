@@ -4,8 +4,6 @@
 
 namespace {
 
-constexpr int kSumLength = 2;
-
 /// Address, length and bytes, a line each.
 QString transferLines(uint8_t address, const QByteArray &bytes)
 {

@@ -27,7 +27,6 @@ constexpr uint8_t kReadAddress = 0x71;
 constexpr uint8_t kSetAddress = 0x70;
 
 constexpr int kFrameAddressAt = 2;
-constexpr int kCommandAt = 3;
 constexpr int kReadAddressAt = 7;
 constexpr int kShortestFrame = 6;
 

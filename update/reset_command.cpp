@@ -1,24 +1,17 @@
 #include "update/reset_command.h"
 
-namespace {
-constexpr int kFrameSize = 11;
-constexpr int kAddressPos = 2;
-constexpr int kSumPos = 9;
-} // namespace
+#include "protocol/command.h"
+#include "protocol/frames.h"
 
 QByteArray defaultResetCommand()
 {
-    return QByteArray::fromHex("AA5500A10000000000A001");
+    return requestFrame(0, static_cast<uint8_t>(Command::Reset));
 }
 
 void addressResetCommand(QByteArray &frame, uint8_t address)
 {
-    if (frame.size() < kFrameSize)
+    if (frame.size() < kRequestLength)
         return;
-    frame[kAddressPos] = static_cast<char>(address);
-    unsigned sum = 0;
-    for (int i = 0; i < kSumPos; ++i)
-        sum += static_cast<unsigned char>(frame.at(i));
-    frame[kSumPos] = static_cast<char>(sum & 0xFFU);
-    frame[kSumPos + 1] = static_cast<char>(sum >> 8U);
+    frame[kAddressAt] = static_cast<char>(address);
+    sealFrame(reinterpret_cast<uint8_t *>(frame.data()), kRequestLength);
 }

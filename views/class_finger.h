@@ -1,6 +1,7 @@
 #pragma once
 
 #include "protocol/finger_info.h"
+#include "protocol/sample.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -96,11 +97,10 @@ public:
 
 private:
     void takeRow(unsigned char prg, QWidget *view, const FingerRows &rows);
-    bool frameFits(const QByteArray &data) const;
     void clearLists();
-    const uint8_t *decodeChannels(const uint8_t *bytes);
-    const uint8_t *decodeBlocks(const uint8_t *bytes);
-    const uint8_t *decodeSProx(const uint8_t *bytes, const uint8_t *firstBlock);
-    const uint8_t *decodeMProx(const uint8_t *bytes);
-    void decodeStatus(const uint8_t *bytes);
+    void tellChannels();
+    void tellBlocks();
+    void tellProximity();
+
+    Sample m_sample;
 };
