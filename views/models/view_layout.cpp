@@ -15,8 +15,8 @@ constexpr unsigned kThreePages = kGaugePage | kForcePage | kProximityPage;
 constexpr unsigned kAllPages = kThreePages | kDataPage;
 constexpr unsigned kGaugeAndProximity = kGaugePage | kProximityPage;
 
-/// One row a view: number, bar maximum, {deep red, middle red}, arrow, numbers, drawing, pages, traits. The build makes
-/// the class fingerForm_N of a row whose class has no header of its own, so a row begins its line.
+/// One row a view: number, bar maximum, {deep red, middle red}, arrow, numbers, drawing, pages, traits. The numbers
+/// stand in CMakeLists.txt too, from which the build makes the class of a row that has no header of its own.
 // clang-format off
 constexpr ViewLayout kViewLayouts[] = {
     {  2, 300000, {139, 140}, kPlain,     GaugeText::None,        &kTip,          kAllPages,          kBoardPicture | kTellsMissingGauge},
