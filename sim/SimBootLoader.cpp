@@ -101,11 +101,16 @@ bool SimBootLoader::claims(const QByteArray &bytes, SimTime now)
     return m_state != State::Off && (!m_buffer.isEmpty() || SimBootFrame::length(bytes.at(0)) != 0);
 }
 
-void SimBootLoader::receiveMessage(const QByteArray &bytes, SimTime now)
+bool SimBootLoader::receiveMessage(const QByteArray &bytes, SimTime now)
 {
     const std::lock_guard lock(m_mutex);
+    if (m_state == State::Finished && !bytes.isEmpty() && SimBootFrame::length(bytes.at(0)) == 0) {
+        start(State::Off, now);
+        return false;
+    }
     m_buffer.clear();
     collect(bytes, now);
+    return true;
 }
 
 void SimBootLoader::receiveStream(const QByteArray &bytes, SimTime now)

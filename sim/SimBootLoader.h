@@ -50,8 +50,9 @@ public:
     bool isActive(SimTime now);
     /// True when bytes that come now on a shared serial line can only be meant for the loader.
     bool claims(const QByteArray &bytes, SimTime now);
-    /// A whole message of an I2C write.
-    void receiveMessage(const QByteArray &bytes, SimTime now);
+    /// A whole message of an I2C write. False when it is none for the loader: with its image complete it gives way to the
+    /// program at the first message that is no frame, even with its last answer unread.
+    bool receiveMessage(const QByteArray &bytes, SimTime now);
     /// Bytes of a serial line.
     void receiveStream(const QByteArray &bytes, SimTime now);
     /// I2C: the next control byte, 0 when there is none.

@@ -240,8 +240,8 @@ void SimSensor::writeI2c(const QByteArray &bytes)
     const std::lock_guard lock(m_mutex);
     if (inBootLoader()) {
         m_waiting.clear();
-        m_bootLoader.receiveMessage(bytes, SimClock::now());
-        return;
+        if (m_bootLoader.receiveMessage(bytes, SimClock::now()))
+            return;
     }
     if (!isRequest(bytes))
         return;

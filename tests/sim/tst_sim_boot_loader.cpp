@@ -39,6 +39,7 @@ QByteArray header(const QByteArray &name, int size)
 }
 
 const QByteArray kEnd = hex("04000000");
+const QByteArray kReset = hex("AA5500A10000000000A001");
 
 QByteArray someImage(int size)
 {
@@ -113,7 +114,7 @@ void tst_sim_boot_loader::init()
     m_bus = std::make_unique<SimI2cBus>();
     m_bus->plug(m_sensor);
     QCOMPARE(read(), '\x55');
-    QCOMPARE(exchange(hex("AA5500A10000000000A001")), '\x55'); // the answer to the reset
+    QCOMPARE(exchange(kReset), '\x55'); // the answer to the reset
 }
 
 void tst_sim_boot_loader::resetEntersAndTimeLeaves()
@@ -185,6 +186,12 @@ void tst_sim_boot_loader::brokenUpdateWaitsForTheNext()
     QCOMPARE(exchange(frame(0, {}, 128, '\0')), '\x06');
     QCOMPARE(m_sensor->bootLoader().image(), image);
     QCOMPARE(read(), '\x55'); // the new program runs
+
+    // A host that gave up before it read the last answer can begin again with a reset.
+    QCOMPARE(exchange(kReset), '\x55');
+    write(header("empty", 0));
+    QCOMPARE(exchange(kReset), '\x55');
+    QCOMPARE(read(), 'C');
 }
 
 QTEST_GUILESS_MAIN(tst_sim_boot_loader)
