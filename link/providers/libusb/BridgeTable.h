@@ -3,6 +3,7 @@
 #include "link/providers/libusb/UsbBridge.h"
 #include "link/providers/libusb/usb_context.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <mutex>
@@ -25,17 +26,19 @@ public:
         return index < Count ? m_chips[index] : nullptr;
     }
 
-    /// Null on failure. A bridge that is already open at that index stays as it is.
+    /// Null on failure. A bridge that is already open stays as it is; when that was under another index, because bridges
+    /// before it came or went, it is open under both.
     ChipPointer open(uint32_t index)
     {
         const UsbDevicePointer device = pluggedDevice(index);
         if (device == nullptr || index >= Count)
             return nullptr;
-        ChipPointer present = chip(index);
-        if (present != nullptr && present->device() == device.get())
-            return present;
-        close(index);
-        return openDevice(index, device.get());
+        ChipPointer present = chipOf(device.get());
+        if (present == nullptr) {
+            close(index);
+            return openDevice(index, device.get());
+        }
+        return keep(index, std::move(present));
     }
 
     /// Closes the bridge that is open at the index and opens the one that is in its place now, if any.
@@ -82,9 +85,26 @@ private:
         if (usb == nullptr)
             return nullptr;
         ChipPointer opened = std::make_shared<Chip>(std::move(usb));
+        return keep(index, std::move(opened));
+    }
+
+    /// Null when the device is not open.
+    ChipPointer chipOf(libusb_device *device)
+    {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_chips[index] = opened;
-        return opened;
+        const auto isOfDevice = [device](const ChipPointer &chip) {
+            return chip != nullptr && chip->device() == device;
+        };
+        const auto found = std::find_if(m_chips.begin(), m_chips.end(), isOfDevice);
+        return found != m_chips.end() ? *found : nullptr;
+    }
+
+    ChipPointer keep(uint32_t index, ChipPointer chip)
+    {
+        ChipPointer replaced = chip; // released after the lock
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_chips[index].swap(replaced);
+        return chip;
     }
 
     std::mutex m_mutex; // guards m_chips

@@ -77,6 +77,7 @@ void FakeUsbDevice::plug()
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_answers.clear();
         m_isGone = false;
+        claimedInterface = -1;
     }
     // All must be in place before anybody hears of the device.
     umockdev_testbed_attach_ioctl(m_bus.testbed(), node().c_str(), m_handler, nullptr);
@@ -182,6 +183,7 @@ int FakeUsbDevice::answer(unsigned long request, UMockdevIoctlData *argument)
         m_answers.clear();
         m_hasReappeared = reappears;
         isDeaf = isDeaf && !reappears;
+        claimedInterface = reappears ? -1 : claimedInterface.load();
         return reappears ? ENODEV : 0;
     case USBDEVFS_CLEAR_HALT:
     case USBDEVFS_SETINTERFACE:
@@ -208,6 +210,8 @@ int FakeUsbDevice::tellCapabilities(UMockdevIoctlData *argument)
 
 int FakeUsbDevice::claim(unsigned interfaceNumber)
 {
+    if (claimedInterface >= 0)
+        return EBUSY;
     kernelOwns = false;
     claimedInterface = static_cast<int>(interfaceNumber);
     return 0;
