@@ -53,6 +53,7 @@ private Q_SLOTS:
     void linkReadsAndWrites();
     void pins();
     void resetFlushAndTimeOut();
+    void haltsAndSilence();
     void permissionRefused();
     void kernelDriver();
     void unplugDuringRead();
@@ -195,6 +196,24 @@ void tst_usb_ch341::resetFlushAndTimeOut()
     QVERIFY(CH341ResetDevice(0) != 0);
     QCOMPARE(hexOf(chip.transfers), (QList<QByteArray>{"AA6100", "AA6300"}));
     QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray("0001"));
+}
+
+void tst_usb_ch341::haltsAndSilence()
+{
+    Bridge bridge(m_bus);
+    auto &[chip, device] = bridge;
+    for (const unsigned endpoint : {0x02U, 0x82U}) {
+        device.haltedEndpoint = endpoint;
+        QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray());
+        QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray("0001"));
+    }
+    device.isDeaf = true;
+    const int sentBefore = device.sent;
+    for (int i = 0; i < 20; ++i)
+        QCOMPARE(readStream(0, "AA748151C0C07500"), QByteArray());
+    QVERIFY(device.sent - sentBefore < 10);
+    device.isDeaf = false;
+    QTRY_COMPARE(readStream(0, "AA748151C0C07500"), QByteArray("0001"));
 }
 
 void tst_usb_ch341::permissionRefused()

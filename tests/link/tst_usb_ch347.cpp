@@ -42,7 +42,8 @@ private Q_SLOTS:
     void longTransfers();
     void pins();
     void refusals();
-    void timeOutAndUnplugDuringRead();
+    void haltsAndDeafOpens();
+    void silenceAndUnplugDuringRead();
 
 private:
     FakeUsbBus &m_bus;
@@ -217,23 +218,52 @@ void tst_usb_ch347::refusals()
     QVERIFY(log.lines()[2].endsWith(QLatin1String("001/012 cannot be used: LIBUSB_ERROR_NOT_SUPPORTED")));
 }
 
-void tst_usb_ch347::timeOutAndUnplugDuringRead()
+void tst_usb_ch347::haltsAndDeafOpens()
+{
+    Bridge bridge(m_bus);
+    auto &[chip, device] = bridge;
+    for (const unsigned endpoint : {0x06U, 0x86U}) {
+        device.haltedEndpoint = endpoint;
+        QCOMPARE(transfer(0, "51", 1), QByteArray("failed"));
+        QCOMPARE(transfer(0, "51", 1), QByteArray("00"));
+    }
+    CH347CloseDevice(0);
+    device.isDeaf = true;
+    LogCapture log;
+    QVERIFY(!isHandle(CH347OpenDevice(0)));
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("the bridge at /dev/bus/usb/001/012 does not answer")));
+    QCOMPARE(device.claimedInterface, -1);
+    device.isCuredByReset = true;
+    QVERIFY(isHandle(CH347OpenDevice(0)));
+    QCOMPARE(device.resets, 2);
+    QCOMPARE(transfer(0, "51", 1), QByteArray("00"));
+}
+
+void tst_usb_ch347::silenceAndUnplugDuringRead()
 {
     Bridge bridge(m_bus);
     auto &[chip, device] = bridge;
     device.isDeaf = true;
-    QElapsedTimer clock;
-    clock.start();
-    QCOMPARE(transfer(0, "51", 4), QByteArray("failed"));
-    QVERIFY(clock.elapsed() < 20000);
+    const int sentBefore = device.sent;
+    for (int i = 0; i < 20; ++i)
+        QCOMPARE(transfer(0, "51", 4), QByteArray("failed"));
+    QVERIFY(device.sent - sentBefore < 10);
+    device.isDeaf = false;
+    QTRY_COMPARE(transfer(0, "51", 1), QByteArray("00"));
 
+    device.isDeaf = true;
     QByteArray answer;
     std::thread reader([&] { answer = transfer(0, "51", 4); });
     QTRY_COMPARE(device.waiting, 1);
     device.unplug();
     reader.join();
     QCOMPARE(answer, QByteArray("failed"));
-    QCOMPARE(transfer(0, "51", 4), QByteArray("failed"));
+    // Whoever goes on polling is slowed down.
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 20; ++i)
+        QCOMPARE(transfer(0, "51", 4), QByteArray("failed"));
+    QVERIFY(clock.elapsed() >= 20);
     QVERIFY(!isHandle(CH347OpenDevice(0)));
 }
 

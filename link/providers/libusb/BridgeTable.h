@@ -85,7 +85,7 @@ private:
         if (usb == nullptr)
             return nullptr;
         ChipPointer opened = std::make_shared<Chip>(std::move(usb));
-        return keep(index, std::move(opened));
+        return opened->start() ? keep(index, std::move(opened)) : nullptr;
     }
 
     /// Null when the device is not open.

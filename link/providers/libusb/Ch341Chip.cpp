@@ -26,9 +26,22 @@ constexpr uint8_t byteOf(uint32_t word, unsigned byte)
 
 Ch341Chip::Ch341Chip(std::unique_ptr<UsbBridge> usb)
     : m_usb(std::move(usb))
+{}
+
+bool Ch341Chip::start()
 {
+    const std::lock_guard<std::mutex> lock(m_mutex);
     // Which speed the chip powers up with is not known.
     sendSpeed();
+    return true;
+}
+
+bool Ch341Chip::isReady()
+{
+    return m_usb->isReady([this] {
+        uint32_t ignored = 0;
+        return queryPins(ignored, UsbBridge::kShortLimit);
+    });
 }
 
 bool Ch341Chip::reset()
@@ -38,7 +51,7 @@ bool Ch341Chip::reset()
     m_usb->send(stop.data(), stop.size());
     m_usb->drain();
     uint32_t status = 0;
-    if (!queryPins(status) && !m_usb->reset())
+    if (!queryPins(status, UsbBridge::kShortLimit) && !m_usb->reset())
         return false;
     return sendSpeed();
 }
@@ -56,7 +69,7 @@ bool Ch341Chip::setSpeed(uint32_t mode)
         return false;
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_speedMode = static_cast<uint8_t>(mode);
-    return sendSpeed();
+    return isReady() && sendSpeed();
 }
 
 bool Ch341Chip::sendSpeed()
@@ -68,13 +81,13 @@ bool Ch341Chip::sendSpeed()
 bool Ch341Chip::write(const uint8_t *stream, size_t length)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_usb->send(stream, length);
+    return isReady() && m_usb->send(stream, length);
 }
 
 size_t Ch341Chip::writeRead(const uint8_t *stream, size_t length, uint8_t *buffer, size_t capacity)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!m_usb->send(stream, length))
+    if (!isReady() || !m_usb->send(stream, length))
         return 0;
     size_t total = 0;
     for (const size_t size : ch341AnswerSizes(stream, length)) {
@@ -104,15 +117,15 @@ int Ch341Chip::receiveAnswer(size_t size, uint8_t *buffer, size_t capacity)
 bool Ch341Chip::getPins(uint32_t &status)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return queryPins(status);
+    return isReady() && queryPins(status);
 }
 
-bool Ch341Chip::queryPins(uint32_t &status)
+bool Ch341Chip::queryPins(uint32_t &status, std::chrono::milliseconds limit)
 {
     std::array<uint8_t, kCh341PacketSize> answer;
     if (!m_usb->send(&kGetPins, 1))
         return false;
-    if (m_usb->receive(answer.data(), answer.size()) != kPinAnswerSize) {
+    if (m_usb->receive(answer.data(), answer.size(), limit) != kPinAnswerSize) {
         m_usb->drain();
         return false;
     }
@@ -134,5 +147,5 @@ bool Ch341Chip::setPins(uint8_t enable, uint32_t direction, uint32_t data)
                                              0,
                                              0,
                                              0};
-    return m_usb->send(command.data(), command.size());
+    return isReady() && m_usb->send(command.data(), command.size());
 }

@@ -15,6 +15,9 @@ public:
 
     libusb_device *device() const { return m_usb->device(); }
 
+    /// To be called once, before anything else. Always true: reset() deals with a chip that does not answer.
+    bool start();
+
     /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB device. After a
     /// failure the bridge has to be opened anew.
     bool reset();
@@ -34,7 +37,8 @@ public:
 
 private:
     bool sendSpeed();
-    bool queryPins(uint32_t &status);
+    bool isReady();
+    bool queryPins(uint32_t &status, std::chrono::milliseconds limit = UsbBridge::kTimeLimit);
     int receiveAnswer(size_t size, uint8_t *buffer, size_t capacity);
 
     std::mutex m_mutex; // one operation at a time on the bridge

@@ -22,7 +22,6 @@ constexpr uint8_t kMakeHigh = 0x08;
 constexpr unsigned kClockPin = 3;
 constexpr uint8_t kIsOutput = 0x80;
 constexpr uint8_t kIsHigh = 0x40;
-constexpr std::chrono::milliseconds kFirstAnswerLimit{250};
 
 constexpr size_t kHighSpeedPacket = 512;
 constexpr size_t kHighSpeedLimit = 510;
@@ -34,6 +33,9 @@ constexpr size_t kPinFrameSize = 11; ///< command, length in two bytes, one byte
 
 Ch347Chip::Ch347Chip(std::unique_ptr<UsbBridge> usb)
     : m_usb(std::move(usb))
+{}
+
+bool Ch347Chip::start()
 {
     // The first answer after power-up can be rubbish, so the pins are asked for once without need. In one mode there is
     // need: the clock line of the bus shares its pin with them, and the pin has to be high first.
@@ -41,20 +43,38 @@ Ch347Chip::Ch347Chip(std::unique_ptr<UsbBridge> usb)
     if (productOf(m_usb->device()) == kCh347JtagProduct)
         request[kClockPin] = kChangePin | kMakeOutput | kMakeHigh;
     Pins ignored = {};
-    if (!exchangePins(request, ignored, kFirstAnswerLimit))
-        exchangePins(request, ignored, kFirstAnswerLimit);
+    const auto exchange = [&] { return exchangePins(request, ignored, UsbBridge::kShortLimit); };
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    if (exchange() || exchange())
+        return true;
+    m_usb->drain();
+    if (m_usb->reset() && exchange())
+        return true;
+    qWarning("the bridge at %s does not answer", nodeOf(device()).c_str());
+    return false;
+}
+
+bool Ch347Chip::isReady()
+{
+    return m_usb->isReady([this] {
+        const Pins leaveAlone = {};
+        Pins ignored = {};
+        return exchangePins(leaveAlone, ignored, UsbBridge::kShortLimit);
+    });
 }
 
 bool Ch347Chip::setSpeed(uint8_t mode)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
     const std::array<uint8_t, 3> stream = {kI2cStream, static_cast<uint8_t>(kSetSpeed | mode), kEnd};
-    return m_usb->send(stream.data(), stream.size());
+    return isReady() && m_usb->send(stream.data(), stream.size());
 }
 
 bool Ch347Chip::transfer(const uint8_t *toSend, size_t sendCount, uint8_t *buffer, size_t receiveCount)
 {
     const std::lock_guard<std::mutex> lock(m_mutex);
+    if (!isReady())
+        return false;
     const size_t limit = m_usb->packetSize() >= kHighSpeedPacket ? kHighSpeedLimit : kFullSpeedLimit;
     const std::vector<Ch347Packet> packets = ch347Transfer(toSend, sendCount, receiveCount, limit);
     for (const Ch347Packet &packet : packets) {
@@ -122,7 +142,7 @@ bool Ch347Chip::setPins(uint8_t enable, uint8_t direction, uint8_t levels)
     }
     Pins ignored = {};
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return exchangePins(request, ignored, UsbBridge::kTimeLimit);
+    return isReady() && exchangePins(request, ignored, UsbBridge::kTimeLimit);
 }
 
 bool Ch347Chip::getPins(uint8_t &direction, uint8_t &levels)
@@ -131,7 +151,7 @@ bool Ch347Chip::getPins(uint8_t &direction, uint8_t &levels)
     Pins answer = {};
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!exchangePins(leaveAlone, answer, UsbBridge::kTimeLimit))
+        if (!isReady() || !exchangePins(leaveAlone, answer, UsbBridge::kTimeLimit))
             return false;
     }
     direction = 0;

@@ -16,6 +16,10 @@ public:
 
     libusb_device *device() const { return m_usb->device(); }
 
+    /// To be called once, before anything else. False, with words in the log, when the chip does not answer, even after it
+    /// was reset as a USB device.
+    bool start();
+
     /// I2C clock, mode 0 to 3.
     bool setSpeed(uint8_t mode);
 
@@ -29,6 +33,7 @@ public:
 private:
     using Pins = uint8_t[8];
 
+    bool isReady();
     bool exchangePins(const Pins &request, Pins &answer, std::chrono::milliseconds limit);
     bool exchangePacket(const Ch347Packet &packet, uint8_t *buffer);
     bool receiveAnswer(size_t size);

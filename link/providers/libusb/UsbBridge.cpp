@@ -3,11 +3,14 @@
 #include <QDebug>
 
 #include <array>
+#include <thread>
 
 namespace {
 
 constexpr std::chrono::milliseconds kDrainLimit{15};
 constexpr int kMostDrainedPackets = 64;
+constexpr std::chrono::milliseconds kTrialInterval{1500};
+constexpr std::chrono::milliseconds kRefusalTime{1};
 constexpr size_t kLargestPacket = 512;
 
 struct ConfigDeleter
@@ -103,33 +106,75 @@ UsbBridge::~UsbBridge()
     libusb_close(m_handle);
 }
 
+bool UsbBridge::isReady(const std::function<bool()> &passesTrial)
+{
+    if (m_health == Health::Good)
+        return true;
+    if (m_health == Health::Silent && std::chrono::steady_clock::now() >= m_nextTrial) {
+        drain(); // the answer may only have been late
+        const bool passed = passesTrial();
+        // Also when it passed: one that falls silent again at once is to cost its callers no second after second.
+        m_nextTrial = std::chrono::steady_clock::now() + kTrialInterval;
+        if (passed)
+            return true;
+    }
+    std::this_thread::sleep_for(kRefusalTime);
+    return false;
+}
+
+/// Returns a result of libusb, and how many bytes went over in spite of it.
+int UsbBridge::transfer(uint8_t endpoint, uint8_t *data, size_t length, std::chrono::milliseconds limit,
+                        int &transferred)
+{
+    const int result = libusb_bulk_transfer(m_handle, endpoint, data, static_cast<int>(length), &transferred,
+                                            static_cast<unsigned>(limit.count()));
+    if (result == LIBUSB_ERROR_PIPE)
+        libusb_clear_halt(m_handle, endpoint);
+    if (result == LIBUSB_ERROR_NO_DEVICE)
+        m_health = Health::Gone;
+    return result;
+}
+
+void UsbBridge::noteSilence(int result)
+{
+    if (result == LIBUSB_ERROR_TIMEOUT && m_health == Health::Good)
+        m_health = Health::Silent;
+}
+
 bool UsbBridge::send(const uint8_t *data, size_t length)
 {
     int sent = 0;
     // libusb takes the buffer of either direction through one pointer; it only reads this one.
-    const int result =
-        libusb_bulk_transfer(m_handle, m_endpoints.out, const_cast<uint8_t *>(data), static_cast<int>(length),
-                             &sent, static_cast<unsigned>(kTimeLimit.count()));
+    const int result = transfer(m_endpoints.out, const_cast<uint8_t *>(data), length, kTimeLimit, sent);
+    noteSilence(result);
     return result == LIBUSB_SUCCESS && sent == static_cast<int>(length);
 }
 
 int UsbBridge::receive(uint8_t *buffer, size_t capacity, std::chrono::milliseconds limit)
 {
     int received = 0;
-    const int result = libusb_bulk_transfer(m_handle, m_endpoints.in, buffer, static_cast<int>(capacity),
-                                            &received, static_cast<unsigned>(limit.count()));
-    return result == LIBUSB_SUCCESS ? received : -1;
+    const int result = transfer(m_endpoints.in, buffer, capacity, limit, received);
+    noteSilence(result);
+    if (result != LIBUSB_SUCCESS)
+        return -1;
+    m_health = Health::Good;
+    return received;
 }
 
 void UsbBridge::drain()
 {
     std::array<uint8_t, kLargestPacket> rubbish;
-    for (int i = 0; i < kMostDrainedPackets && receive(rubbish.data(), rubbish.size(), kDrainLimit) >= 0;
-         ++i) {
+    int received = 0;
+    for (int i = 0; i < kMostDrainedPackets; ++i) {
+        if (transfer(m_endpoints.in, rubbish.data(), rubbish.size(), kDrainLimit, received) != LIBUSB_SUCCESS)
+            return; // quiet, which is no fault here
     }
 }
 
 bool UsbBridge::reset()
 {
-    return libusb_reset_device(m_handle) == LIBUSB_SUCCESS;
+    if (libusb_reset_device(m_handle) != LIBUSB_SUCCESS)
+        return false;
+    m_health = Health::Good;
+    return true;
 }

@@ -4,9 +4,11 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <memory>
 
-/// A bridge that is open and claimed: bytes out, bytes in, each within a finite time. Not thread-safe.
+/// A bridge that is open and claimed: bytes out, bytes in, each within a finite time. A transfer that the bridge refuses
+/// fails, and the next one finds the way free again. Not thread-safe.
 class UsbBridge
 {
 public:
@@ -20,6 +22,11 @@ public:
     libusb_device *device() const { return libusb_get_device(m_handle); }
     /// Longest packet that the bridge sends, in bytes; never 0.
     size_t packetSize() const { return m_packetSize; }
+
+    /// To be asked before every operation of a chip, which fails when this is false. A bridge that let a time limit pass is
+    /// spoken to again only when it passes a trial, which is made now and then; in between, and when it is gone, the answer
+    /// takes a millisecond, so that nobody who polls it spins.
+    bool isReady(const std::function<bool()> &passesTrial);
 
     /// True when all bytes have gone out.
     bool send(const uint8_t *data, size_t length);
@@ -36,13 +43,26 @@ public:
     bool reset();
 
     static constexpr std::chrono::milliseconds kTimeLimit{1000};
+    /// For the answer to a question that needs no work of the bridge.
+    static constexpr std::chrono::milliseconds kShortLimit{250};
 
 private:
+    enum class Health {
+        Good,
+        Silent, ///< a time limit has passed, and nothing has been heard since
+        Gone,
+    };
+
     UsbBridge(libusb_device_handle *handle, int interfaceNumber, BridgeEndpoints endpoints,
               size_t packetSize);
+    int transfer(uint8_t endpoint, uint8_t *data, size_t length, std::chrono::milliseconds limit,
+                 int &transferred);
+    void noteSilence(int result);
 
     libusb_device_handle *m_handle;
     int m_interface;
     BridgeEndpoints m_endpoints;
     size_t m_packetSize;
+    Health m_health = Health::Good;
+    std::chrono::steady_clock::time_point m_nextTrial;
 };

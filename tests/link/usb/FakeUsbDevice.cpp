@@ -78,6 +78,7 @@ void FakeUsbDevice::plug()
         m_answers.clear();
         m_isGone = false;
         claimedInterface = -1;
+        haltedEndpoint = 0;
     }
     // All must be in place before anybody hears of the device.
     umockdev_testbed_attach_ioctl(m_bus.testbed(), node().c_str(), m_handler, nullptr);
@@ -182,10 +183,13 @@ int FakeUsbDevice::answer(unsigned long request, UMockdevIoctlData *argument)
         ++resets;
         m_answers.clear();
         m_hasReappeared = reappears;
-        isDeaf = isDeaf && !reappears;
+        isDeaf = isDeaf && !reappears && !isCuredByReset;
         claimedInterface = reappears ? -1 : claimedInterface.load();
         return reappears ? ENODEV : 0;
     case USBDEVFS_CLEAR_HALT:
+        if (valueAt<unsigned>(argument) == haltedEndpoint)
+            haltedEndpoint = 0;
+        return 0;
     case USBDEVFS_SETINTERFACE:
         return 0;
     case USBDEVFS_SUBMITURB:
@@ -226,7 +230,11 @@ int FakeUsbDevice::submit(UMockdevIoctlData *argument)
     transfer.buffer = umockdev_ioctl_data_resolve(transfer.request, offsetof(usbdevfs_urb, buffer),
                                                   static_cast<gsize>(request.buffer_length), nullptr);
     transfer.isBulkIn = (request.endpoint & kDirectionIn) != 0;
-    if (!transfer.isBulkIn) {
+    if (request.endpoint == haltedEndpoint) {
+        transfer.status = -EPIPE;
+        transfer.isDone = true;
+    } else if (!transfer.isBulkIn) {
+        ++sent;
         transfer.actual = transfer.length;
         transfer.isDone = true;
         if (!isDeaf)

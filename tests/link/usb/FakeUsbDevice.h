@@ -38,13 +38,16 @@ public:
     std::string node() const { return usbNode(m_address); }
 
     // Faults, to be set at any time.
-    std::atomic<bool> isDeaf{false};     ///< nothing is ever answered
-    std::atomic<bool> kernelOwns{false}; ///< a kernel driver holds the interface
-    std::atomic<bool> reappears{false};  ///< after a reset it hears again, but only whoever opens it anew
+    std::atomic<bool> isDeaf{false}; ///< nothing is ever answered
+    std::atomic<bool> isCuredByReset{false};
+    std::atomic<unsigned> haltedEndpoint{0}; ///< refuses every transfer until the halt is cleared
+    std::atomic<bool> kernelOwns{false};     ///< a kernel driver holds the interface
+    std::atomic<bool> reappears{false};      ///< after a reset it hears again, but only whoever opens it anew
 
     // What has happened.
     std::atomic<int> claimedInterface{-1};
     std::atomic<int> resets{0};
+    std::atomic<int> sent{0};    ///< transfers that came out of the host, also those that nobody heard
     std::atomic<int> waiting{0}; ///< transfers that wait for an answer
 
 private:
