@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/// The commands that a panel sends or understands.
+/// The commands that the tool sends or understands.
 enum class Command : uint8_t {
     SetAutoDacPowerUp = 0x40,
     GetAutoDacPowerUp = 0x41,
@@ -35,6 +35,7 @@ enum class Command : uint8_t {
     SetGroupCalibration = 0x6E,
     GetCalibrationState = 0x6F,
     SetIicAddress = 0x70,
+    GetIicAddress = 0x71,
     GetTemperature = 0x74,
     SetTemperature = 0x75,
     RestoreFactory = 0x76,

@@ -1,27 +1,41 @@
 #include "tools/sensorDebugForm.h"
 
-#include "link/SerialPortPoller.h"
-#include "link/class_ch341.h"
-#include "link/class_ch347.h"
-#include "link/class_uart.h"
-#include "link/device_ids.h"
 #include "link/forms/device_box.h"
+#include "link/forms/hex_text.h"
 #include "link/pca9548.h"
+#include "protocol/frames.h"
+#include "tools/debug_entry.h"
 #include "tools/form_looks.h"
 #include "ui_sensorDebugForm.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QPointer>
 #include <QRegularExpressionValidator>
+#include <QSerialPort>
+#include <QTimer>
+
+using Kind = SensorLink::Kind;
 
 namespace {
 
-template<typename Link>
-void release(Link *&link)
+constexpr int kShortestSealed = 4; // a shorter text keeps the sum that was typed or shown for it
+
+/// The byte that two digits of a text name, 0 when they are not there.
+char byteOfDigits(const QString &text, int at)
 {
-    if (link == nullptr)
-        return;
-    link->close();
-    delete link;
-    link = nullptr;
+    return static_cast<char>(text.midRef(at, 2).toUShort(nullptr, 16));
+}
+
+/// Keeps the window alive for a while.
+void spinEvents(int durationMs)
+{
+    QTimer timer;
+    timer.setSingleShot(true);
+    timer.setTimerType(Qt::PreciseTimer);
+    timer.start(durationMs);
+    while (timer.isActive())
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
 } // namespace
@@ -32,7 +46,14 @@ sensorDebugForm::sensorDebugForm(QWidget *parent)
 {
     qDebug("sensorDebugForm new");
     ui->setupUi(this);
-    init();
+    qDebug("sensorDebugForm init");
+    setupLooks();
+    setupConnections();
+    m_channels = std::make_unique<ChannelBoxes>(
+        ChannelBoxes::Channels{ui->chkbCh0, ui->chkbCh1, ui->chkbCh2, ui->chkbCh3, ui->chkbCh4, ui->chkbCh5,
+                               ui->chkbCh6, ui->chkbCh7},
+        ChannelBoxes::Boards{ui->chkbInf1, ui->chkbInf2, ui->chkbInf3, ui->chkbInf4, ui->chkbInf5,
+                             ui->chkbInf6});
 }
 
 sensorDebugForm::~sensorDebugForm()
@@ -40,14 +61,6 @@ sensorDebugForm::~sensorDebugForm()
     uartDeinit();
     ch341Deinit();
     ch347Deinit();
-}
-
-void sensorDebugForm::init()
-{
-    qDebug("sensorDebugForm init");
-    setupLooks();
-    setupConnections();
-    coupleBoardsAndChannels();
 }
 
 void sensorDebugForm::setupLooks()
@@ -107,118 +120,130 @@ void sensorDebugForm::stop()
 
 void sensorDebugForm::chooseCh341()
 {
-    if (ch341 != nullptr)
-        return;
-    refillSpeedBox({QStringLiteral("20K"), QStringLiteral("100K"), QStringLiteral("400K")});
-    uartDeinit();
-    ch347Deinit();
-    ch341Init();
-    ui->gpbPca->setEnabled(true);
+    choose(Kind::Ch341, {QStringLiteral("20K"), QStringLiteral("100K"), QStringLiteral("400K")});
 }
 
 void sensorDebugForm::chooseCh347()
 {
-    if (ch347 != nullptr)
-        return;
-    refillSpeedBox({QStringLiteral("100K"), QStringLiteral("400K"), QStringLiteral("750K")});
-    uartDeinit();
-    ch341Deinit();
-    ch347Init();
-    ui->gpbPca->setEnabled(true);
+    choose(Kind::Ch347, {QStringLiteral("100K"), QStringLiteral("400K"), QStringLiteral("750K")});
 }
 
 void sensorDebugForm::chooseUart()
 {
-    if (uart != nullptr)
-        return;
-    refillSpeedBox({QStringLiteral("115200"), QStringLiteral("460800"), QStringLiteral("921600")});
-    ch341Deinit();
-    ch347Deinit();
-    uartInit();
-    ui->gpbPca->setEnabled(false);
+    choose(Kind::Serial, {QStringLiteral("115200"), QStringLiteral("460800"), QStringLiteral("921600")});
 }
 
-void sensorDebugForm::refillSpeedBox(const QStringList &speeds)
+void sensorDebugForm::choose(Kind kind, const QStringList &speeds)
 {
+    if (m_link && m_link->kind() == kind)
+        return;
     ui->cbbDevSpeed->clear();
     ui->cbbDevSpeed->addItems(speeds);
+    makeLink(kind);
+    ui->gpbPca->setEnabled(m_link->isBridge());
+    if (!m_link->isBridge())
+        m_link->scan();
+}
+
+bool sensorDebugForm::isChosen(Kind kind) const
+{
+    switch (kind) {
+    case Kind::Ch341:
+        return ui->rbtnIIC->isChecked();
+    case Kind::Ch347:
+        return ui->rbtnIICCh347->isChecked();
+    case Kind::Serial:
+        break;
+    }
+    return ui->rbtnUart->isChecked();
+}
+
+void sensorDebugForm::makeLink(Kind kind)
+{
+    if (m_link)
+        release(m_link->kind());
+    m_link = std::make_unique<SensorLink>(kind, nullptr, [this, kind] { return isChosen(kind); });
+    connect(m_link.get(), &SensorLink::opened, this, &sensorDebugForm::linkUp);
+    connect(m_link.get(), &SensorLink::closed, this, &sensorDebugForm::linkDown);
+    connect(m_link.get(), &SensorLink::devicesListed, this,
+            [this](const QStringList &devices) { refillDeviceBox(ui->cbbDevInf, devices); });
+}
+
+void sensorDebugForm::release(Kind kind)
+{
+    if (!m_link || m_link->kind() != kind)
+        return;
+    m_link->close();
+    m_link.reset();
 }
 
 void sensorDebugForm::uartInit()
 {
-    uart = new class_uart(this);
-    connect(uart, &class_uart::si_close, this, [this] { showConnected(false); });
-    const auto *poller = new SerialPortPoller(uart, [this] { return ui->rbtnUart->isChecked(); });
-    connect(poller, &SerialPortPoller::portsListed, this,
-            [this](const QStringList &names) { refillDeviceBox(ui->cbbDevInf, names); });
-    uart->scan(false);
+    makeLink(Kind::Serial);
 }
 
 void sensorDebugForm::ch341Init()
 {
-    ch341 = new class_ch341(this);
-    connect(ch341, &class_ch341::si_disconnected, this, [this] { showConnected(false); });
-    connect(ch341, &class_ch341::si_connected, this, [this] {
-        showConnected(true); // also when the link comes back by itself, from another index
-        setUpBusAtSpeed(*ch341, static_cast<ch341_iic_speed_te>(ui->cbbDevSpeed->currentIndex()));
-        pcaReset();
-    });
-    connect(ch341, &class_ch341::si_updateList, this, [this](const QVector<uint16_t> &ids) {
-        if (ui->rbtnIIC->isChecked())
-            refillDeviceBox(ui->cbbDevInf, deviceIdTexts(ids));
-    });
+    makeLink(Kind::Ch341);
 }
 
 void sensorDebugForm::ch347Init()
 {
-    ch347 = new class_ch347(this);
-    connect(ch347, &class_ch347::si_connected, this, [this] {
-        setUpBusAtSpeed(*ch347, static_cast<ch347_iic_speed_te>(ui->cbbDevSpeed->currentIndex() + 1));
-        pcaReset();
-        qDebug("ch347 connect");
-    });
-    connect(ch347, &class_ch347::si_disconnected, this, [this] {
-        qDebug("ch347 disconnect");
-        showConnected(false);
-    });
-    connect(ch347, &class_ch347::si_updateList, this, [this](const QVector<uint16_t> &ids) {
-        if (ui->rbtnIICCh347->isChecked())
-            refillDeviceBox(ui->cbbDevInf, deviceIdTexts(ids));
-    });
+    makeLink(Kind::Ch347);
 }
 
 void sensorDebugForm::uartDeinit()
 {
-    release(uart);
+    release(Kind::Serial);
 }
 
 void sensorDebugForm::ch341Deinit()
 {
-    release(ch341);
+    release(Kind::Ch341);
 }
 
 void sensorDebugForm::ch347Deinit()
 {
-    release(ch347);
+    release(Kind::Ch347);
 }
 
 void sensorDebugForm::pcaReset()
 {
-    if (ch341 != nullptr)
-        ::pcaReset(*ch341);
-    else if (ch347 != nullptr)
-        ::pcaReset(*ch347);
+    if (m_link)
+        m_link->pcaReset();
+}
+
+/// Also when the link comes back by itself, from another index.
+void sensorDebugForm::linkUp()
+{
+    showConnected(true);
+    if (!m_link->isBridge())
+        return;
+    // The rows of the CH347 leave the slowest speed out.
+    const int slowest = m_link->kind() == Kind::Ch347 ? 1 : 0;
+    m_link->setUpBusAtSpeed(static_cast<BusSpeed>(ui->cbbDevSpeed->currentIndex() + slowest));
+    pcaReset();
+    if (m_link->kind() == Kind::Ch347)
+        qDebug("ch347 connect");
+}
+
+void sensorDebugForm::linkDown()
+{
+    if (m_link->kind() == Kind::Ch347)
+        qDebug("ch347 disconnect");
+    showConnected(false);
 }
 
 void sensorDebugForm::toggleConnection()
 {
     if (ui->pbtnInfConnect->text() == QObject::tr("断开")) {
-        closeLink();
+        if (m_link)
+            m_link->close();
         showConnected(false);
         return;
     }
     const QString device = ui->cbbDevInf->currentText();
-    if (!device.isEmpty() && openLink(device))
+    if (!device.isEmpty() && m_link && m_link->open(device, ui->cbbDevSpeed->currentText().toUInt()))
         showConnected(true);
 }
 
@@ -227,44 +252,117 @@ void sensorDebugForm::showConnected(bool connected)
     ui->pbtnInfConnect->setText(connected ? QObject::tr("断开") : QObject::tr("连接"));
 }
 
-bool sensorDebugForm::openLink(const QString &device)
+void sensorDebugForm::setChannels()
 {
-    if (ch341 != nullptr)
-        return ch341->open(device.toUShort());
-    if (ch347 != nullptr)
-        return ch347->open(device.toUShort());
-    return uart != nullptr && uart->open(device, ui->cbbDevSpeed->currentText().toUInt());
+    const uint8_t mask = m_channels->mask();
+    qDebug("set pca:%d", mask);
+    if (isLinkOpen() && m_link->isBridge())
+        m_link->write(kPca9548Address, &mask, 1);
 }
 
-void sensorDebugForm::closeLink()
+void sensorDebugForm::getChannels()
 {
-    if (ch341 != nullptr)
-        ch341->close();
-    else if (ch347 != nullptr)
-        ch347->close();
-    else if (uart != nullptr)
-        uart->close();
+    uint8_t mask = 0;
+    if (m_link)
+        m_link->read(kPca9548Address, &mask, 1);
+    qDebug("get pca:%d", mask);
+    m_channels->show(mask);
 }
 
-bool sensorDebugForm::isBridgeChosen() const
+void sensorDebugForm::showSum(const QString &hexText)
 {
-    return !ui->rbtnUart->isChecked();
+    const uint16_t sum = frameSum(bytesFromHexText(hexText));
+    ui->lbChk->setText(QString::asprintf("%02x%02x", sum & 0xFF, sum >> 8));
 }
 
-bool sensorDebugForm::isLinkOpen() const
+void sensorDebugForm::writeBytes()
 {
-    if (ch341 != nullptr)
-        return ch341->isOpen();
-    if (ch347 != nullptr)
-        return ch347->isOpen();
-    return uart != nullptr && uart->port->isOpen();
+    if (isBridgeChosen() && !isLinkOpen()) {
+        Q_EMIT si_appendDebugLog(notConnectedEntry());
+        return;
+    }
+    const auto address = static_cast<uint8_t>(ui->spbCh341Addr->value());
+    QByteArray bytes = typedBytes();
+    if (isBridgeChosen())
+        m_link->write(address, bytes);
+    else
+        writeSerial(address, bytes);
+    Q_EMIT si_appendDebugLog(writeEntry(address, bytes));
 }
 
-QObject *sensorDebugForm::link() const
+QByteArray sensorDebugForm::typedBytes() const
 {
-    if (ch341 != nullptr)
-        return ch341;
-    if (ch347 != nullptr)
-        return ch347;
-    return uart;
+    QByteArray bytes = bytesFromHexText(ui->leCh341Write->text());
+    if (ui->chkbtnChk->isChecked()) {
+        const QString sum = ui->lbChk->text();
+        bytes.append(byteOfDigits(sum, 0));
+        bytes.append(byteOfDigits(sum, 2));
+    }
+    return bytes;
+}
+
+void sensorDebugForm::writeSerial(uint8_t address, QByteArray &bytes)
+{
+    if (bytes.size() > kAddressAt)
+        bytes[kAddressAt] = static_cast<char>(address);
+    if (ui->chkbtnChk->isChecked() && bytes.size() >= kShortestSealed)
+        sealFrame(bytes);
+    if (!isLinkOpen())
+        return;
+    m_link->port()->clear();
+    m_link->port()->write(bytes);
+}
+
+void sensorDebugForm::readBytes()
+{
+    if (isBridgeChosen() && !isLinkOpen()) {
+        Q_EMIT si_appendDebugLog(notConnectedEntry());
+        return;
+    }
+    const auto address = static_cast<uint8_t>(ui->spbCh341Addr->value());
+    Q_EMIT si_appendDebugLog(readEntry(address, isBridgeChosen() ? bytesOfBridge(address) : bytesOfPort()));
+}
+
+QByteArray sensorDebugForm::bytesOfBridge(uint8_t address)
+{
+    QByteArray bytes(ui->spbCh341Read->value(), '\0');
+    const int got = m_link->read(address, reinterpret_cast<uint8_t *>(bytes.data()), bytes.size());
+    if (got == 0 && m_link->kind() == Kind::Ch347)
+        bytes.clear();
+    return bytes;
+}
+
+QByteArray sensorDebugForm::bytesOfPort()
+{
+    return isLinkOpen() ? m_link->port()->readAll() : QByteArray();
+}
+
+void sensorDebugForm::writeAndRead()
+{
+    if (m_waitsToRead)
+        return;
+    const QPointer<SensorLink> writtenTo = m_link.get();
+    if (!isLinkOpen()) {
+        Q_EMIT si_appendDebugLog(notConnectedEntry());
+        return;
+    }
+    Q_EMIT ui->pbtnCh341Write->clicked();
+
+    const QPointer<sensorDebugForm> self = this;
+    m_waitsToRead = true;
+    spinEvents(ui->spbDelay->value());
+    if (!self)
+        return;
+    m_waitsToRead = false;
+    if (writtenTo && writtenTo == m_link.get() && isLinkOpen())
+        Q_EMIT ui->pbtnCh341Read->clicked();
+    else
+        Q_EMIT si_appendDebugLog(notConnectedEntry());
+}
+
+void sensorDebugForm::appendLog(const QString &text)
+{
+    ui->txtDebugLog->moveCursor(QTextCursor::End);
+    ui->txtDebugLog->insertPlainText(stampedEntry(QDateTime::currentDateTime(), text));
+    ui->txtDebugLog->moveCursor(QTextCursor::End);
 }

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "link/SensorLink.h"
+#include "tools/ChannelBoxes.h"
+
 #include <QWidget>
 
 #include <cstdint>
 #include <memory>
 
-class QCheckBox;
-class class_ch341;
-class class_ch347;
-class class_uart;
 class Ui_sensorDebugForm;
 
 /// The tab for talking to a device by hand: any bytes to any address, any number of bytes back, all of it in a log.
@@ -26,20 +25,6 @@ public:
     /// Gives the hardware back; may be called on a tab that is stopped already.
     void stop();
 
-Q_SIGNALS:
-    /// The only way to the log: `text` is added to it with the time of now.
-    void si_appendDebugLog(const QString &text);
-
-private:
-    void init();
-    void setupLooks();
-    void setupConnections();
-    void coupleBoardsAndChannels();
-
-    void chooseCh341();
-    void chooseCh347();
-    void chooseUart();
-    void refillSpeedBox(const QStringList &speeds);
     void uartInit();
     void ch341Init();
     void ch347Init();
@@ -48,19 +33,31 @@ private:
     void ch347Deinit();
     void pcaReset();
 
+Q_SIGNALS:
+    /// The only way to the log: `text` is added to it with the time of now.
+    void si_appendDebugLog(const QString &text);
+
+private:
+    void setupLooks();
+    void setupConnections();
+
+    void chooseCh341();
+    void chooseCh347();
+    void chooseUart();
+    void choose(SensorLink::Kind kind, const QStringList &speeds);
+    bool isChosen(SensorLink::Kind kind) const;
+    bool isBridgeChosen() const { return !isChosen(SensorLink::Kind::Serial); }
+    void makeLink(SensorLink::Kind kind);
+    void release(SensorLink::Kind kind);
+    bool isLinkOpen() const { return m_link && m_link->isOpen(); }
+
+    void linkUp();
+    void linkDown();
     void toggleConnection();
     void showConnected(bool connected);
-    bool openLink(const QString &device);
-    void closeLink();
-    bool isBridgeChosen() const;
-    bool isLinkOpen() const;
-    QObject *link() const;
 
     void setChannels();
     void getChannels();
-    uint16_t writeBridge(uint8_t address, const uint8_t *bytes, uint16_t length);
-    uint16_t readBridge(uint8_t address, uint8_t *buffer, uint16_t length);
-
     void showSum(const QString &hexText);
     void writeBytes();
     QByteArray typedBytes() const;
@@ -72,8 +69,7 @@ private:
     void appendLog(const QString &text);
 
     const std::unique_ptr<Ui_sensorDebugForm> ui;
-    class_ch341 *ch341 = nullptr; // each link is null while its interface is not chosen
-    class_ch347 *ch347 = nullptr;
-    class_uart *uart = nullptr;
+    std::unique_ptr<SensorLink> m_link;
+    std::unique_ptr<ChannelBoxes> m_channels;
     bool m_waitsToRead = false;
 };

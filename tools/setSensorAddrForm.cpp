@@ -1,10 +1,5 @@
 #include "tools/setSensorAddrForm.h"
 
-#include "link/SerialPortPoller.h"
-#include "link/class_ch341.h"
-#include "link/class_ch347.h"
-#include "link/class_uart.h"
-#include "link/device_ids.h"
 #include "link/forms/device_box.h"
 #include "link/pca9548.h"
 #include "tools/form_looks.h"
@@ -12,30 +7,15 @@
 
 #include <QScopedValueRollback>
 
+using Kind = SensorLink::Kind;
+
 namespace {
 
 constexpr int kScanIntervalMs = 50;
+constexpr int kAliveIntervalMs = 100;
+constexpr uint8_t kGoneTicks = 5;
+constexpr int kResultShownMs = 3000;
 constexpr int kUsualArgument = 1; // 460800 baud, or the first adapter board
-
-template<typename Link>
-void release(QPointer<Link> &link)
-{
-    if (!link)
-        return;
-    link->close();
-    link->deleteLater();
-    link.clear();
-}
-
-void setSensorSpeed(class_ch341 &bridge)
-{
-    bridge.setIICSpeed(ch341_iic_speed_te::Khz100);
-}
-
-void setSensorSpeed(class_ch347 &bridge)
-{
-    bridge.setIICSpeed(ch347_iic_speed_te::Khz100);
-}
 
 void coupleSpinBoxes(QSpinBox *first, QSpinBox *second)
 {
@@ -105,25 +85,19 @@ void setSensorAddrForm::stop()
 void setSensorAddrForm::chooseInterface(int index)
 {
     ui->cbbInfArg->clear();
-    switch (static_cast<Interface>(index)) {
-    case Interface::Uart:
+    switch (static_cast<Kind>(index)) {
+    case Kind::Serial:
         uartInit();
-        ch341Deinit();
-        ch347Deinit();
         setInterfaceArguments(QObject::tr("波特率"),
                               {QStringLiteral("115200"), QStringLiteral("460800"), QStringLiteral("921600")});
-        uart->scan(false);
+        m_link->scan();
         break;
-    case Interface::Ch341:
+    case Kind::Ch341:
         ch341Init();
-        uartDeinit();
-        ch347Deinit();
         setInterfaceArguments(QObject::tr("转接板"), adapterBoardNames("QObject"));
         break;
-    case Interface::Ch347:
+    case Kind::Ch347:
         ch347Init();
-        uartDeinit();
-        ch341Deinit();
         setInterfaceArguments(QObject::tr("转接板"), adapterBoardNames("QObject"));
         break;
     }
@@ -137,162 +111,118 @@ void setSensorAddrForm::setInterfaceArguments(const QString &caption, const QStr
     ui->cbbInfArg->setCurrentIndex(kUsualArgument);
 }
 
-setSensorAddrForm::Interface setSensorAddrForm::chosenInterface() const
+bool setSensorAddrForm::isChosen(Kind kind) const
 {
-    return static_cast<Interface>(ui->cbbInf->currentIndex());
+    return ui->cbbInf->currentIndex() == static_cast<int>(kind);
 }
 
 bool setSensorAddrForm::isLinkOpen() const
 {
-    switch (chosenInterface()) {
-    case Interface::Uart:
-        return uart && uart->port->isOpen();
-    case Interface::Ch341:
-        return ch341 && ch341->isOpen();
-    case Interface::Ch347:
-        return ch347 && ch347->isOpen();
-    }
-    return false;
+    return m_link && isChosen(m_link->kind()) && m_link->isOpen();
+}
+
+/// The link that was there before goes when the new one has come.
+void setSensorAddrForm::makeLink(Kind kind)
+{
+    if (m_link && m_link->kind() == kind)
+        return;
+    const auto isWanted = [this, kind] { return isChosen(kind) && !isLinkOpen(); };
+    const auto before = std::exchange(m_link, std::make_unique<SensorLink>(kind, nullptr, isWanted));
+    SensorLink *link = m_link.get();
+    connect(link, &SensorLink::opened, this, &setSensorAddrForm::linkUp);
+    connect(link, &SensorLink::closed, this, [this, link] {
+        qDebug("%s disconnect", link->name());
+        infClose();
+        link->scan();
+    });
+    connect(link, &SensorLink::devicesListed, this,
+            [this](const QStringList &devices) { refillDeviceBox(ui->cbbInfList, devices); });
+    if (before)
+        before->close();
+}
+
+void setSensorAddrForm::release(Kind kind)
+{
+    if (!m_link || m_link->kind() != kind)
+        return;
+    m_link->close();
+    m_link.reset();
 }
 
 void setSensorAddrForm::uartInit()
 {
-    if (uart)
-        return;
-    uart = new class_uart(this);
-    connect(uart, &class_uart::si_openSuccess, this, [this] {
-        qDebug("uart connected");
-        infOpen();
-    });
-    connect(uart, &class_uart::si_close, this, [this] {
-        qDebug("uart disconnect");
-        infClose();
-        uart->scan(false);
-    });
-    const auto isWanted = [this] { return chosenInterface() == Interface::Uart && !isLinkOpen(); };
-    const auto *poller = new SerialPortPoller(uart, isWanted);
-    connect(poller, &SerialPortPoller::portsListed, this,
-            [this](const QStringList &names) { refillDeviceBox(ui->cbbInfList, names); });
-}
-
-template<typename Bridge>
-void setSensorAddrForm::bridgeInit(QPointer<Bridge> &link, Interface kind, const char *name)
-{
-    if (link)
-        return;
-    auto *bridge = new Bridge(this);
-    link = bridge;
-    connect(bridge, &Bridge::si_connected, this, [this, bridge, name] {
-        qDebug("%s connected", name);
-        infOpen();
-        setUpSensorBus(*bridge);
-        pcaReset();
-        if (!m_opening)
-            restoreChoice(*bridge);
-    });
-    connect(bridge, &Bridge::si_disconnected, this, [this, bridge, name] {
-        qDebug("%s disconnect", name);
-        infClose();
-        bridge->getScanSignal();
-    });
-    connect(bridge, &Bridge::si_updateList, this, [this, kind](const QVector<uint16_t> &ids) {
-        if (chosenInterface() == kind && !isLinkOpen())
-            refillDeviceBox(ui->cbbInfList, deviceIdTexts(ids));
-    });
+    makeLink(Kind::Serial);
 }
 
 void setSensorAddrForm::ch341Init()
 {
-    bridgeInit(ch341, Interface::Ch341, "ch341");
+    makeLink(Kind::Ch341);
 }
 
 void setSensorAddrForm::ch347Init()
 {
-    bridgeInit(ch347, Interface::Ch347, "ch347");
+    makeLink(Kind::Ch347);
 }
 
 void setSensorAddrForm::uartDeinit()
 {
-    release(uart);
+    release(Kind::Serial);
 }
 
 void setSensorAddrForm::ch341Deinit()
 {
-    release(ch341);
+    release(Kind::Ch341);
 }
 
 void setSensorAddrForm::ch347Deinit()
 {
-    release(ch347);
+    release(Kind::Ch347);
 }
 
 void setSensorAddrForm::pcaReset()
 {
-    if (ch341)
-        ::pcaReset(*ch341);
-    else if (ch347)
-        ::pcaReset(*ch347);
+    if (m_link)
+        m_link->pcaReset();
 }
 
 void setSensorAddrForm::toggleConnection()
 {
-    switch (chosenInterface()) {
-    case Interface::Uart:
-        if (uart)
-            toggleSerial();
-        break;
-    case Interface::Ch341:
-        if (ch341)
-            toggleBridge(*ch341);
-        break;
-    case Interface::Ch347:
-        if (ch347)
-            toggleBridge(*ch347);
-        break;
-    }
-}
-
-void setSensorAddrForm::toggleSerial()
-{
-    if (uart->port->isOpen()) {
-        uart->close();
+    if (!m_link || !isChosen(m_link->kind()))
+        return;
+    if (m_link->isOpen()) {
+        m_link->close();
         return;
     }
-    const QString name = ui->cbbInfList->currentText();
-    const QString baudRate = ui->cbbInfArg->currentText();
-    if (!name.isEmpty() && !baudRate.isEmpty())
-        uart->open(name, baudRate.toUInt());
-}
-
-template<typename Bridge>
-void setSensorAddrForm::toggleBridge(Bridge &bridge)
-{
-    if (bridge.isOpen()) {
-        bridge.close();
+    const QString device = ui->cbbInfList->currentText();
+    const QString argument = ui->cbbInfArg->currentText();
+    if (device.isEmpty() || argument.isEmpty())
         return;
-    }
-    const QString id = ui->cbbInfList->currentText();
-    if (id.isEmpty() || ui->cbbInfArg->currentText().isEmpty())
-        return;
-    m_openId = id;
+    m_openId = device;
     const QScopedValueRollback<bool> opening(m_opening, true);
-    if (bridge.open(id.toUShort()))
-        selectBoard(bridge);
+    if (m_link->open(device, argument.toUInt()))
+        selectBoard();
 }
 
-template<typename Bridge>
-void setSensorAddrForm::restoreChoice(Bridge &bridge)
+void setSensorAddrForm::linkUp()
 {
+    qDebug("%s connected", m_link->name());
+    infOpen();
+    m_link->setUpSensorBus();
+    pcaReset();
+    if (m_opening)
+        return;
+    // A bridge that has moved to another index was opened again by itself.
     ui->cbbInfList->setCurrentText(m_openId);
-    selectBoard(bridge);
+    selectBoard();
 }
 
-template<typename Bridge>
-void setSensorAddrForm::selectBoard(Bridge &bridge)
+void setSensorAddrForm::selectBoard()
 {
-    setSensorSpeed(bridge);
+    if (!m_link->isBridge())
+        return;
+    m_link->setSpeed(BusSpeed::Khz100);
     const uint8_t mask = adapterBoardMask(ui->cbbInfArg->currentIndex());
-    bridge.write(kPca9548Address, &mask, 1);
+    m_link->write(kPca9548Address, &mask, 1);
 }
 
 void setSensorAddrForm::infOpen()
@@ -322,4 +252,51 @@ void setSensorAddrForm::setInterfaceEnabled(bool enabled)
     ui->cbbInf->setEnabled(enabled);
     ui->cbbInfList->setEnabled(enabled);
     ui->cbbInfArg->setEnabled(enabled);
+}
+
+void setSensorAddrForm::requestSet()
+{
+    if (timerScan->isActive())
+        setReq = 1;
+}
+
+void setSensorAddrForm::poll()
+{
+    if (!m_link)
+        return;
+    std::optional<uint8_t> target;
+    if (std::exchange(setReq, 0) != 0)
+        target = static_cast<uint8_t>(ui->spbTarAddrHex->value());
+    const auto answer = GeneralCall(*m_link).ask(target);
+    if (answer)
+        sensorAnswered(*answer);
+}
+
+void setSensorAddrForm::sensorAnswered(const GeneralCall::Answer &answer)
+{
+    if (alive == 0) {
+        ui->lbFingerState->setText(QObject::tr("已连接"));
+        timerAlive->start(kAliveIntervalMs);
+    }
+    if (isAddressSet(answer)) {
+        ui->lbCmdState->setText(QObject::tr("成功"));
+        QTimer::singleShot(kResultShownMs, ui->lbCmdState, &QLabel::clear);
+    }
+    alive = 1;
+    if (answer.address)
+        ui->spbCurrAddrDec->setValue(*answer.address);
+}
+
+void setSensorAddrForm::countSilence()
+{
+    if (!isLinkOpen()) {
+        timerAlive->stop();
+        return;
+    }
+    ++alive;
+    if (alive < kGoneTicks)
+        return;
+    alive = 0;
+    ui->lbFingerState->setText(QObject::tr("断开"));
+    timerAlive->stop();
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "link/SensorLink.h"
+#include "tools/GeneralCall.h"
+
 #include <QPointer>
 #include <QTimer>
 #include <QWidget>
@@ -7,9 +10,6 @@
 #include <cstdint>
 #include <memory>
 
-class class_ch341;
-class class_ch347;
-class class_uart;
 class Ui_setSensorAddrForm;
 
 /// The tab that gives a sensor a new bus address. It talks to the general address, so exactly one sensor may be plugged
@@ -27,18 +27,6 @@ public:
     /// Gives the hardware back; may be called on a tab that is stopped already.
     void stop();
 
-private:
-    /// Rows of cbbInf.
-    enum class Interface { Uart = 0, Ch341 = 1, Ch347 = 2 };
-
-    void setupLooks();
-    void setupConnections();
-
-    void chooseInterface(int index);
-    void setInterfaceArguments(const QString &caption, const QStringList &items);
-    Interface chosenInterface() const;
-    bool isLinkOpen() const;
-
     void uartInit();
     void ch341Init();
     void ch347Init();
@@ -46,40 +34,38 @@ private:
     void ch341Deinit();
     void ch347Deinit();
     void pcaReset();
-    template<typename Bridge>
-    void bridgeInit(QPointer<Bridge> &link, Interface kind, const char *name);
 
+private:
+    void setupLooks();
+    void setupConnections();
+
+    /// Rows of cbbInf are the kinds of links in their order.
+    void chooseInterface(int index);
+    void setInterfaceArguments(const QString &caption, const QStringList &items);
+    void makeLink(SensorLink::Kind kind);
+    void release(SensorLink::Kind kind);
+    bool isChosen(SensorLink::Kind kind) const;
+    bool isLinkOpen() const;
+
+    void linkUp();
     void toggleConnection();
-    void toggleSerial();
-    template<typename Bridge>
-    void toggleBridge(Bridge &bridge);
-    /// After a bridge that has moved to another index was opened again by itself.
-    template<typename Bridge>
-    void restoreChoice(Bridge &bridge);
-    template<typename Bridge>
-    void selectBoard(Bridge &bridge);
+    void selectBoard();
     void infOpen();
     void infClose();
     void setInterfaceEnabled(bool enabled);
 
     void requestSet();
-    QByteArray takeSetFrame();
     void poll();
-    void pollSerial();
-    template<typename Bridge>
-    void pollBridge(Bridge &bridge);
-    void takeSerialAnswers(const QByteArray &bytes);
-    void sensorAnswered(uint8_t command);
+    void sensorAnswered(const GeneralCall::Answer &answer);
     void countSilence();
 
     const std::unique_ptr<Ui_setSensorAddrForm> ui;
-    uint8_t alive = 0; // 0 while no sensor answers, else 1 plus the ticks of timerAlive since its last answer
+    uint8_t alive =
+        0; ///< 0 while no sensor answers, else 1 plus the ticks of timerAlive since its last answer
     QPointer<QTimer> timerScan;
     QPointer<QTimer> timerAlive;
-    QPointer<class_ch341> ch341;
-    QPointer<class_uart> uart;
-    QPointer<class_ch347> ch347;
-    uint8_t setReq = 0; // 1 when the next poll must send the set frame
-    QString m_openId;   // the bridge that was opened last, as the list shows it
+    uint8_t setReq = 0; ///< 1 when the next poll must send the set frame
+    std::unique_ptr<SensorLink> m_link;
+    QString m_openId; ///< the device that was opened last, as the list shows it
     bool m_opening = false;
 };
