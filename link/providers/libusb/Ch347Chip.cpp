@@ -45,7 +45,9 @@ bool Ch347Chip::start()
     Pins ignored = {};
     const auto exchange = [&] { return exchangePins(request, ignored, UsbBridge::kShortLimit); };
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (exchange() || exchange())
+    bool answers = exchange();
+    answers = answers || exchange();
+    if (answers)
         return true;
     m_usb->drain();
     if (m_usb->reset() && exchange())
