@@ -14,6 +14,8 @@ class tst_fuzz_corpus : public QObject
 
 private Q_SLOTS:
     void hexToBin() { replay(QStringLiteral("hex_to_bin"), fuzzHexToBin); }
+    void recording() { replay(QStringLiteral("recording"), fuzzRecording); }
+    void stream() { replay(QStringLiteral("stream"), fuzzStream); }
     void ymodem() { replay(QStringLiteral("ymodem"), fuzzYmodem); }
 
 private:

@@ -1,0 +1,185 @@
+#include "companions/EndSignals.h"
+#include "plotting/PlotServer.h"
+#include "plotting/window/PlotWindow.h"
+#include "plotting/window/plot_picture.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace {
+
+enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
+
+constexpr quint16 kUsualPort = 1347;
+
+struct Options
+{
+    QHostAddress address = QHostAddress(QHostAddress::LocalHost);
+    quint16 port = kUsualPort;
+    StreamFormat format = StreamFormat::Automatic;
+    QString picture;
+    QStringList files;
+};
+
+int complain(ExitCode code, const QString &line)
+{
+    std::fprintf(stderr, "tactile-plot: %s\n", qUtf8Printable(line));
+    return code;
+}
+
+/// Takes "port" or "address:port".
+bool readPlace(const QString &text, Options &options)
+{
+    const int colon = text.lastIndexOf(QLatin1Char(':'));
+    bool isNumber = false;
+    options.port = text.mid(colon + 1).toUShort(&isNumber);
+    return isNumber && (colon < 0 || options.address.setAddress(text.left(colon)));
+}
+
+bool readFormat(const QString &name, StreamFormat &format)
+{
+    const QStringList names{QStringLiteral("auto"), QStringLiteral("firewater"), QStringLiteral("justfloat")};
+    const int index = names.indexOf(name.toLower());
+    format = static_cast<StreamFormat>(index);
+    return index >= 0;
+}
+
+/// The exit code if the program is to end here.
+std::optional<int> readOptions(const QStringList &arguments, Options &options)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral(
+        "Draws the samples of a sensor, live from the tool's TCP output or from recordings (*.csv)."));
+    const auto help = parser.addHelpOption();
+    const auto version = parser.addVersionOption();
+    const QCommandLineOption listen(
+        QStringLiteral("listen"),
+        QStringLiteral(
+            "Wait for the tool on this port; 1347 if nothing is said. Other computers are heard with "
+            "0.0.0.0:port."),
+        QStringLiteral("[address:]port"));
+    const QCommandLineOption format(QStringLiteral("format"),
+                                    QStringLiteral("What comes in; auto tells by the first bytes."),
+                                    QStringLiteral("auto|firewater|justfloat"), QStringLiteral("auto"));
+    const QCommandLineOption picture(QStringLiteral("picture"),
+                                     QStringLiteral("Draw the recordings into a file (.png, .svg) and end."),
+                                     QStringLiteral("file"));
+    parser.addOptions({listen, format, picture});
+    parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Recordings to open."),
+                                 QStringLiteral("[files...]"));
+    if (!parser.parse(arguments))
+        return complain(WrongUse, parser.errorText() + QStringLiteral(" See --help."));
+    if (parser.isSet(help) || parser.isSet(version)) {
+        const QString line = QCoreApplication::applicationName() + QLatin1Char(' ') +
+                             QCoreApplication::applicationVersion() + QLatin1Char('\n');
+        std::fputs(qUtf8Printable(parser.isSet(help) ? parser.helpText() : line), stdout);
+        return Done;
+    }
+    options.files = parser.positionalArguments();
+    options.picture = parser.value(picture);
+    if (parser.isSet(listen) && !options.files.isEmpty())
+        return complain(WrongUse, QStringLiteral("either --listen or recordings, not both."));
+    if (parser.isSet(listen) && !readPlace(parser.value(listen), options))
+        return complain(WrongUse, QStringLiteral("--listen takes a port from 0 to 65535, or address:port."));
+    if (!readFormat(parser.value(format), options.format))
+        return complain(WrongUse, QStringLiteral("--format takes auto, firewater or justfloat."));
+    if (parser.isSet(picture) && (options.files.isEmpty() || !isPicturePath(options.picture)))
+        return complain(WrongUse,
+                        QStringLiteral("--picture takes a name that ends in .png or .svg, and recordings "
+                                       "behind it."));
+    return std::nullopt;
+}
+
+bool isWithoutDisplay()
+{
+#ifdef Q_OS_LINUX
+    return qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") &&
+           qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+#else
+    return false;
+#endif
+}
+
+/// Nothing if one of the files cannot be drawn; then it has been said why.
+std::optional<std::vector<NamedRecording>> readFiles(const QStringList &paths)
+{
+    std::vector<NamedRecording> recordings;
+    for (const QString &path : paths) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            complain(Failed, QStringLiteral("%1: %2.").arg(path, file.errorString()));
+            return std::nullopt;
+        }
+        Recording recording = readRecording(file);
+        if (!recording.store) {
+            complain(
+                Failed,
+                QStringLiteral("%1 %2. Open a .csv file as the tool records it.").arg(path, recording.error));
+            return std::nullopt;
+        }
+        recordings.push_back({QFileInfo(path).fileName(), std::move(recording)});
+    }
+    return recordings;
+}
+
+int showRecordings(const Options &options)
+{
+    auto recordings = readFiles(options.files);
+    if (!recordings)
+        return Failed;
+    PlotWindow window;
+    window.open(std::move(*recordings));
+    if (!options.picture.isEmpty())
+        return savePlotPicture(window.plot(), options.picture)
+                   ? Done
+                   : complain(
+                         Failed,
+                         QStringLiteral("%1 cannot be written. Choose another folder.").arg(options.picture));
+    window.show();
+    return QApplication::exec();
+}
+
+int showLive(const Options &options)
+{
+    PlotServer server(options.format);
+    if (!server.listen(options.address, options.port))
+        return complain(Failed, QStringLiteral("cannot listen on port %1: %2. Choose another with --listen.")
+                                    .arg(options.port)
+                                    .arg(server.errorString()));
+    PlotWindow window;
+    window.follow(server);
+    window.show();
+    std::printf("listening on %s port %d\n", qUtf8Printable(options.address.toString()), server.port());
+    std::fflush(stdout);
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication::setApplicationName(QStringLiteral("tactile-plot"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(TACTILE_VERSION));
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments += QString::fromLocal8Bit(argv[i]);
+    Options options;
+    if (const auto code = readOptions(arguments, options))
+        return *code;
+    if (isWithoutDisplay()) {
+        if (options.picture.isEmpty())
+            return complain(Failed,
+                            QStringLiteral("there is no display. Set DISPLAY, or use --picture FILE."));
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    const QApplication application(argc, argv);
+    const EndSignals endSignals([] { QCoreApplication::quit(); });
+    return options.files.isEmpty() ? showLive(options) : showRecordings(options);
+}
