@@ -5,10 +5,11 @@
 std::optional<QVector<double>> FireWaterReader::values(const QByteArray &line)
 {
     QVector<double> values;
+    const int size = line.size() - (line.endsWith('\r') ? 1 : 0);
     int from = 0;
-    while (from <= line.size()) {
+    while (from <= size) {
         const int comma = line.indexOf(',', from);
-        const int to = comma < 0 ? line.size() : comma;
+        const int to = comma < 0 ? size : comma;
         bool isNumber = false;
         const double value = QByteArray::fromRawData(line.constData() + from, to - from).toDouble(&isNumber);
         if (!isNumber)

@@ -17,6 +17,13 @@ PlotServer::PlotServer(StreamFormat format, QObject *parent)
     connect(&m_server, &QTcpServer::newConnection, this, &PlotServer::accept);
 }
 
+PlotServer::~PlotServer()
+{
+    // A socket tells its end while it is destroyed, when the reader is gone already.
+    if (m_socket != nullptr)
+        m_socket->disconnect(this);
+}
+
 bool PlotServer::listen(const QHostAddress &address, quint16 port)
 {
     return m_server.listen(address, port);
@@ -29,20 +36,25 @@ StreamReader PlotServer::newReader()
 
 void PlotServer::accept()
 {
-    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
-        if (m_socket != nullptr)
-            m_socket->abort();
-        m_socket = socket;
-        m_reader = newReader();
-        socket->setReadBufferSize(kReadBufferBytes);
-        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { m_reader.feed(socket->readAll()); });
-        connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+    while (QTcpSocket *socket = m_server.nextPendingConnection())
+        takeOver(socket);
+}
+
+void PlotServer::takeOver(QTcpSocket *socket)
+{
+    if (m_socket != nullptr)
+        m_socket->abort();
+    m_socket = socket;
+    m_reader = newReader();
+    socket->setReadBufferSize(kReadBufferBytes);
+    connect(socket, &QTcpSocket::readyRead, this, [this, socket] { m_reader.feed(socket->readAll()); });
+    connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
+        if (socket->isReadable())
             m_reader.feed(socket->readAll());
-            m_reader.finish();
-            m_socket = nullptr;
-            socket->deleteLater();
-            Q_EMIT disconnected();
-        });
-        Q_EMIT connected(socket->peerAddress().toString());
-    }
+        m_reader.finish();
+        m_socket = nullptr;
+        socket->deleteLater();
+        Q_EMIT disconnected();
+    });
+    Q_EMIT connected(socket->peerAddress().toString());
 }

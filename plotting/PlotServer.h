@@ -16,6 +16,7 @@ class PlotServer : public QObject
 
 public:
     explicit PlotServer(StreamFormat format, QObject *parent = nullptr);
+    ~PlotServer() override;
 
     /// False, with errorString(), when the port cannot be had. Port 0 takes any that is free.
     bool listen(const QHostAddress &address, quint16 port);
@@ -31,6 +32,7 @@ Q_SIGNALS:
 
 private:
     void accept();
+    void takeOver(QTcpSocket *socket);
     StreamReader newReader();
 
     StreamFormat m_format;

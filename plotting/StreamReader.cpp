@@ -12,21 +12,6 @@ bool isTextByte(char byte)
     return (byte >= ' ' && byte <= '~') || byte == '\t' || byte == '\r' || byte == '\n';
 }
 
-StreamFormat formatOf(const QByteArray &bytes)
-{
-    int lineAt = 0;
-    for (int i = 0; i < bytes.size(); ++i) {
-        if (!isTextByte(bytes.at(i)))
-            return StreamFormat::JustFloat;
-        const bool isLineEnd = bytes.at(i) == '\n';
-        if (i == FireWaterReader::kMaxLineBytes ||
-            (isLineEnd && FireWaterReader::values(bytes.mid(lineAt, i - lineAt))))
-            return StreamFormat::FireWater;
-        lineAt = isLineEnd ? i + 1 : lineAt;
-    }
-    return StreamFormat::Automatic;
-}
-
 } // namespace
 
 StreamReader::StreamReader(StreamFormat format, RecordReader::Sink sink)
@@ -43,9 +28,24 @@ void StreamReader::feed(const QByteArray &bytes)
         return;
     }
     m_undecided += bytes;
-    settle(formatOf(m_undecided));
+    settle(recognised());
     if (m_reader != nullptr)
         m_reader->feed(std::exchange(m_undecided, QByteArray()));
+}
+
+StreamFormat StreamReader::recognised()
+{
+    for (; m_seen < m_undecided.size(); ++m_seen) {
+        const char byte = m_undecided.at(m_seen);
+        if (!isTextByte(byte))
+            return StreamFormat::JustFloat;
+        const bool isLineEnd = byte == '\n';
+        if (m_seen == FireWaterReader::kMaxLineBytes ||
+            (isLineEnd && FireWaterReader::values(m_undecided.mid(m_lineAt, m_seen - m_lineAt))))
+            return StreamFormat::FireWater;
+        m_lineAt = isLineEnd ? m_seen + 1 : m_lineAt;
+    }
+    return StreamFormat::Automatic;
 }
 
 void StreamReader::settle(StreamFormat format)

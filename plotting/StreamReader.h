@@ -22,9 +22,12 @@ public:
 
 private:
     void settle(StreamFormat format);
+    StreamFormat recognised();
 
     StreamFormat m_format;
     RecordReader::Sink m_sink;
     QByteArray m_undecided;
+    int m_seen = 0;   ///< bytes of it that tell nothing
+    int m_lineAt = 0; ///< where the last line in them begins
     std::unique_ptr<RecordReader> m_reader;
 };

@@ -59,7 +59,8 @@ CurvePoints curvePoints(const SampleStore &store, int column, double from, doubl
     const int end = std::min(store.firstRowFrom(afterTo) + 1, store.size());
     const bool isCrowded = end - first > 4 * pixels;
     // Counted from the beginning of time and not of the stretch, or the picture would shimmer while it scrolls.
-    const double pixelSeconds = (to - from) / std::max(pixels, 1);
+    const double pixelSeconds =
+        std::max((to - from) / std::max(pixels, 1), std::numeric_limits<double>::min());
     double bucketNumber = 0;
     Bucket bucket;
     for (int row = first; row < end; ++row) {

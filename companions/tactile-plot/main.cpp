@@ -49,8 +49,10 @@ bool readFormat(const QString &name, StreamFormat &format)
 }
 
 /// The exit code if the program is to end here.
-std::optional<int> readOptions(const QStringList &arguments, Options &options)
+std::optional<int> readOptions(int argc, char **argv, Options &options)
 {
+    // Help is given without a display, too.
+    const QCoreApplication application(argc, argv);
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Draws the samples of a sensor, live from the tool's TCP output or from recordings (*.csv)."));
@@ -71,7 +73,7 @@ std::optional<int> readOptions(const QStringList &arguments, Options &options)
     parser.addOptions({listen, format, picture});
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Recordings to open."),
                                  QStringLiteral("[files...]"));
-    if (!parser.parse(arguments))
+    if (!parser.parse(QCoreApplication::arguments()))
         return complain(WrongUse, parser.errorText() + QStringLiteral(" See --help."));
     if (parser.isSet(help) || parser.isSet(version)) {
         const QString line = QCoreApplication::applicationName() + QLatin1Char(' ') +
@@ -164,11 +166,8 @@ int main(int argc, char **argv)
 {
     QCoreApplication::setApplicationName(QStringLiteral("tactile-plot"));
     QCoreApplication::setApplicationVersion(QStringLiteral(TACTILE_VERSION));
-    QStringList arguments;
-    for (int i = 0; i < argc; ++i)
-        arguments += QString::fromLocal8Bit(argv[i]);
     Options options;
-    if (const auto code = readOptions(arguments, options))
+    if (const auto code = readOptions(argc, argv, options))
         return *code;
     if (isWithoutDisplay()) {
         if (options.picture.isEmpty())

@@ -9,7 +9,6 @@
 #include <qwt_plot_grid.h>
 #include <qwt_plot_textlabel.h>
 #include <qwt_scale_draw.h>
-#include <qwt_scale_engine.h>
 #include <qwt_scale_widget.h>
 #include <qwt_text.h>
 
@@ -20,7 +19,8 @@
 namespace {
 
 /// Smooth lines cost several times as much; beyond so many points in a moving picture nobody sees them.
-constexpr int kSmoothPoints = 4000;
+constexpr int kSmoothPoints = 20000;
+constexpr double kSmoothWidth = 1.4;
 constexpr double kMargin = 0.05;
 
 /// A curve that is broken where a value is not a number.
@@ -61,11 +61,13 @@ CurvePlot::CurvePlot(QWidget *parent)
     , m_emptyLabel(std::make_unique<QwtPlotTextLabel>())
 {
     setAutoReplot(false);
-    setCanvasBackground(Qt::white);
+    setPalette(QPalette(Qt::white));
+    setAutoFillBackground(true);
     auto *area = new QwtPlotCanvas;
     area->setFrameStyle(QFrame::NoFrame);
     area->setFocusPolicy(Qt::StrongFocus);
     setCanvas(area);
+    setCanvasBackground(Qt::white);
     styleAxes();
 
     auto *grid = new QwtPlotGrid;
@@ -171,8 +173,11 @@ void CurvePlot::readCurves(AxisRange times)
         high = std::max(high, read.high);
         points += read.points.size();
     }
-    for (const auto &curve : m_curves)
-        curve->setRenderHint(QwtPlotItem::RenderAntialiased, m_still || points <= kSmoothPoints);
+    const bool isSmooth = m_still || points <= kSmoothPoints;
+    for (const auto &curve : m_curves) {
+        curve->setRenderHint(QwtPlotItem::RenderAntialiased, isSmooth);
+        curve->setPen(curve->pen().color(), isSmooth ? kSmoothWidth : 0);
+    }
     if (!m_fixedValues && low <= high)
         followValues(low, high);
 }
@@ -186,11 +191,7 @@ void CurvePlot::followValues(double low, double high)
     const bool fits = low >= now.from && high <= now.to && high - low + 2 * margin > now.length() / 2;
     if (fits)
         return;
-    double from = low - margin;
-    double to = high + margin;
-    double step = 0;
-    QwtLinearScaleEngine().autoScale(axisMaxMajor(yLeft), from, to, step);
-    setAxisScale(yLeft, from, to);
+    setAxisScale(yLeft, low - margin, high + margin);
 }
 
 AxisRange CurvePlot::range(int axis) const

@@ -167,7 +167,7 @@ void PlotWindow::open(std::vector<NamedRecording> recordings)
         const Recording &recording = named.recording;
         names += named.name;
         const QString prefix =
-            m_recordings.size() > 1 ? QString::number(names.size()) + QLatin1Char(':') : QString();
+            m_recordings.size() > 1 ? QString::number(names.size()) + QStringLiteral(": ") : QString();
         for (int i = 0; i < recording.columns.size(); ++i)
             sources.append({prefix + recording.columns.at(i), &*recording.store, i,
                             (recording.startMs - firstMs) / 1000});
@@ -300,8 +300,7 @@ void PlotWindow::refreshStatus()
     const auto rate = static_cast<double>(m_records - m_recordsTold) * 1000 / kStatusMs;
     m_recordsTold = m_records;
     const int curves = m_plot->sources().size();
-    m_rate->setText(curves == 0 ? QString()
-                                : tr("%n curve(s)", nullptr, curves) + tr(", %1 records/s").arg(rate));
+    m_rate->setText(curves == 0 ? QString() : tr("Curves: %1, records/s: %2").arg(curves).arg(rate));
     m_list->refreshValues();
 }
 
