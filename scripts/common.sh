@@ -7,6 +7,7 @@ build_packages=(
   g++ cmake ninja-build ccache pkg-config
   qtbase5-dev libqt5serialport5-dev qttools5-dev qttools5-dev-tools
   libusb-1.0-0-dev
+  libqwt-qt5-dev
   fonts-wqy-microhei fonts-dejavu-core
 )
 test_packages=(umockdev libumockdev-dev python3 binutils)

@@ -5,10 +5,18 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 ensure_packages "${build_packages[@]}"
-build_preset release tactile-host-demo
+build_preset release tactile-host-demo companions
 demo="$root_dir/build/release/bin/tactile-host-demo"
 
+say_what_else() {
+  [ -x "$root_dir/build/release/bin/tactile-plot" ] || return 0
+  say "Also to try, beside the tool:"
+  echo "build/release/bin/tactile-plot               draws what the tool sends over TCP (docs/plotting.md)"
+  echo "build/release/bin/tactile-plot recording.csv draws a recording (docs/recordings.md)"
+}
+
 if [ "${1:-}" != --tour ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+  say_what_else
   exec "$demo"
 fi
 
@@ -20,3 +28,4 @@ for language in en zh_cn; do
   QT_QPA_PLATFORM=offscreen "$demo" --tour "$pictures/$language" --language "$language" 2>"$pictures/$language.log"
 done
 say "Pictures and the tool's log are in $pictures"
+say_what_else
