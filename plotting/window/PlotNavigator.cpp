@@ -27,14 +27,9 @@ AxisRange zoomed(AxisRange range, double factor, double about)
 PlotNavigator::PlotNavigator(CurvePlot *plot)
     : QObject(plot)
     , m_plot(plot)
-    , m_band(std::make_unique<QRubberBand>(QRubberBand::Rectangle, plot->canvas()))
+    , m_band(new QRubberBand(QRubberBand::Rectangle, plot->canvas()))
 {
     plot->canvas()->installEventFilter(this);
-}
-
-PlotNavigator::~PlotNavigator()
-{
-    m_band.release(); // the canvas has it
 }
 
 bool PlotNavigator::eventFilter(QObject *watched, QEvent *event)

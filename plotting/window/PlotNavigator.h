@@ -3,8 +3,6 @@
 #include <QObject>
 #include <QPoint>
 
-#include <memory>
-
 class CurvePlot;
 class QMouseEvent;
 class QRubberBand;
@@ -19,7 +17,6 @@ class PlotNavigator : public QObject
 
 public:
     explicit PlotNavigator(CurvePlot *plot);
-    ~PlotNavigator() override;
 
 Q_SIGNALS:
     void timesZoomed(const AxisRange &times);
@@ -38,7 +35,7 @@ private:
     AxisRange stretch(int axis, int fromPixel, int toPixel) const;
 
     CurvePlot *m_plot;
-    std::unique_ptr<QRubberBand> m_band;
+    QRubberBand *m_band; ///< the canvas has it
     QPoint m_pressedAt;
     QPoint m_last;
     bool m_dragging = false;

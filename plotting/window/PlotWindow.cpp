@@ -10,6 +10,7 @@
 #include <QAction>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMessageBox>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QStatusBar>
