@@ -1,28 +1,20 @@
 #include "app/class_settings.h"
 #include "app/qmain.h"
 #include "monitor/tactViewForm.h"
+#include "panel/recording_folder.h"
 #include "sim/SimBench.h"
 #include "sim/moving_finger.h"
 
-#include <QDesktopServices>
 #include <QTemporaryDir>
 #include <QtTest>
 #include <QtWidgets>
 
 #include <atomic>
-#include <csignal>
-#include <deque>
-#include <mutex>
 #include <random>
 #include <thread>
 
 // A monkey at the whole tool: it presses, types, turns the wheel, plugs and pulls, as fast as the window follows. What it
-// does depends on the seed and on what the window shows. MONKEY_SEED repeats a run, MONKEY_SECONDS says how long it lasts,
-// MONKEY_TRACE prints every step.
-
-#ifdef __SANITIZE_ADDRESS__
-extern "C" void __sanitizer_set_death_callback(void (*callback)());
-#endif
+// does depends on the seed and on what the window shows. MONKEY_SEED repeats a run, MONKEY_SECONDS says how long it lasts.
 
 namespace {
 
@@ -30,38 +22,14 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::milliseconds kStep{10};
 constexpr int kDefaultSeconds = 60;
-constexpr std::size_t kLinesKept = 150;
 /// Far more than any form keeps its window waiting.
 constexpr std::chrono::seconds kPatience{60};
 
-std::mutex diaryMutex;
-std::deque<QByteArray> diary;  ///< the last steps, and what was logged between them
 std::atomic<Clock::rep> alive; ///< time of the last step
 
 void note(const QByteArray &line)
 {
-    static const bool trace = qEnvironmentVariableIsSet("MONKEY_TRACE");
-    if (trace)
-        std::fprintf(stderr, "  %s\n", line.constData());
-    const std::lock_guard lock(diaryMutex);
-    diary.push_back(line);
-    if (diary.size() > kLinesKept)
-        diary.pop_front();
-}
-
-/// Also on the way to a crash, whose thread may hold the lock.
-void printDiary()
-{
-    const std::unique_lock lock(diaryMutex, std::try_to_lock);
-    for (const QByteArray &line : diary)
-        std::fprintf(stderr, "  %s\n", line.constData());
-}
-
-void printAndDie(int signal)
-{
-    printDiary();
-    std::signal(signal, SIG_DFL);
-    std::raise(signal);
+    std::fprintf(stderr, "%s\n", line.constData());
 }
 
 void handleMessage(QtMsgType type, const QMessageLogContext & /*context*/, const QString &message)
@@ -87,76 +55,55 @@ struct World
 
     void plugOrPull()
     {
-        const std::array<std::shared_ptr<SimUsbDevice>, 3> devices{bench.ch341(), bench.ch347(), stranger};
-        const auto what = static_cast<std::size_t>(draw(20));
-        if (what < devices.size()) {
-            const auto &device = devices.at(what);
-            const bool pull = device->isPlugged();
-            note((pull ? "pull " : "plug ") + device->path());
-            pull ? bench.usb().unplug(device) : bench.usb().plug(device, draw(2) - 1);
-        } else if (what == devices.size()) {
-            const bool away = bench.serialBus().portName().isEmpty();
-            note(away ? "restore the port" : "remove the port");
-            away ? bench.serialBus().restorePort() : bench.serialBus().removePort();
-        } else if (guests.empty() || (guests.size() < 6 && draw(2) == 0)) {
-            plugSensor();
+        const int what = draw(20);
+        note("plug or pull " + QByteArray::number(what));
+        SimSerialBus &line = bench.serialBus();
+        if (what < 2) {
+            const auto device = what == 0 ? std::shared_ptr<SimUsbDevice>(bench.ch341()) : bench.ch347();
+            device->isPlugged() ? bench.usb().unplug(device) : bench.usb().plug(device);
+        } else if (what == 2) {
+            line.portName().isEmpty() ? line.restorePort() : line.removePort();
+        } else if (guests.size() < 3 || (guests.size() < 6 && draw(2) == 0)) {
+            // Half of them are of models that nobody knows.
+            const int model = draw(2) == 0 ? 0x80 + draw(0x80) : oneOf(finger_infos).prg;
+            const int address = 0x60 + draw(0x10);
+            guests.push_back(
+                std::make_shared<SimSensor>(static_cast<uint8_t>(model), static_cast<uint8_t>(address)));
+            guests.back()->setMotion(movingFinger(draw(10)));
+            draw(3) == 0 ? line.plug(guests.back()) : anyBridge().bus().plug(guests.back(), draw(8));
         } else {
-            note("pull a sensor");
             std::swap(oneOf(guests), guests.back());
-            guests.back().pull();
+            line.unplug(guests.back());
+            bench.ch341()->bus().unplug(guests.back());
+            bench.ch347()->bus().unplug(guests.back());
             guests.pop_back();
-        }
-    }
-    void plugSensor()
-    {
-        // Half of them are of models that nobody knows.
-        const int model = draw(2) == 0 ? 0x80 + draw(0x80) : oneOf(finger_infos).prg;
-        const int line = draw(3);
-        note(QStringLiteral("plug model %1 into line %2").arg(model).arg(line).toUtf8());
-        const auto sensor =
-            std::make_shared<SimSensor>(static_cast<uint8_t>(model), static_cast<uint8_t>(0x60 + draw(0x10)));
-        sensor->setMotion(movingFinger(draw(10)));
-        if (line == 0) {
-            bench.serialBus().plug(sensor);
-            guests.push_back({sensor, [this, sensor] { bench.serialBus().unplug(sensor); }});
-        } else {
-            SimI2cBus &bus = line == 1 ? bench.ch341()->bus() : bench.ch347()->bus();
-            bus.plug(sensor, draw(8));
-            guests.push_back({sensor, [&bus, sensor] { bus.unplug(sensor); }});
         }
     }
     void disturb()
     {
-        const int times = draw(30);
-        SimBridge &bridge = draw(2) == 0 ? static_cast<SimBridge &>(*bench.ch341()) : *bench.ch347();
-        const auto sensor = guests.empty() ? std::make_shared<SimSensor>(1, 1) : oneOf(guests).sensor;
-        const auto fault = static_cast<SimFault>(draw(kSimFaultCount));
-        const std::array<std::function<void()>, 7> ways{
-            [&] { bridge.failTransfers(times, draw(50)); },
-            [&] { bridge.shortenReads(times); },
-            [&] { bridge.pullOutAfter(1 + times * 10); },
-            [&] { bridge.bus().setMultiplexerDead(times < 3); },
-            [&] { sensor->powerCycle(); },
-            [&] { sensor->faults().schedule(fault, SimTarget::answers(), times); },
-            [&] { sensor->faults().schedule(fault, SimTarget::samples(), times); },
-        };
-        const int way = draw(static_cast<int>(ways.size()));
-        note(QStringLiteral("disturb in way %1, %2 times").arg(way).arg(times).toUtf8());
-        ways.at(static_cast<std::size_t>(way))();
+        const int way = draw(6);
+        note("disturb in way " + QByteArray::number(way));
+        if (way == 0)
+            anyBridge().failTransfers(draw(30), draw(50));
+        else if (way == 1)
+            anyBridge().pullOutAfter(1 + draw(300));
+        else if (way == 2)
+            anyBridge().bus().setMultiplexerDead(draw(10) == 0);
+        else if (!guests.empty())
+            oneOf(guests)->faults().schedule(static_cast<SimFault>(draw(kSimFaultCount)),
+                                             way == 3 ? SimTarget::samples() : SimTarget::answers(),
+                                             draw(30));
     }
-
-    struct Guest
+    SimBridge &anyBridge()
     {
-        std::shared_ptr<SimSensor> sensor;
-        std::function<void()> pull;
-    };
+        return draw(2) == 0 ? static_cast<SimBridge &>(*bench.ch341()) : *bench.ch347();
+    }
 
     std::mt19937 random;
     Clock::time_point end;
     QString image; ///< a firmware file
     SimBench bench;
-    std::shared_ptr<SimUsbDevice> stranger = bench.usb().plugStranger(9, 9);
-    std::vector<Guest> guests;
+    std::vector<std::shared_ptr<SimSensor>> guests; ///< sensors besides those of the bench
 };
 
 World *world = nullptr;
@@ -169,25 +116,21 @@ public:
         : QObject(window)
         , m_window(window)
     {
-        child<tactViewForm>("wgTactView")->setProcessStarter([](const QString & /*program*/) {
-            note("start again");
-            return true;
-        });
-        // Whatever was typed, the samples do not leave this machine.
-        auto *address = child<QLineEdit>("leServiceAddr");
-        connect(child<QAbstractButton>("pbtnServiceConnect"), &QAbstractButton::pressed, address, [address] {
-            if (!address->text().startsWith(QLatin1String("127.")))
-                address->setText(QStringLiteral("127.0.0.1"));
-        });
+        child<tactViewForm>()->setProcessStarter([](const QString & /*program*/) { return true; });
+        // The samples do not leave this machine, and no other program is started.
+        child<QLineEdit>("leServiceAddr")->setText(QStringLiteral("127.0.0.1"));
+        child<QLineEdit>("leServiceAddr")->setReadOnly(true);
+        child<QWidget>("pbtnOpenSaveDir")->setEnabled(false);
         connect(&m_timer, &QTimer::timeout, this, &Monkey::step);
         m_timer.start(kStep);
     }
+    ~Monkey() override { QDir(recordingFolder()).removeRecursively(); }
 
 private:
     template<typename Child>
-    Child *child(const char *name) const
+    Child *child(const char *name = nullptr) const
     {
-        return m_window->findChild<Child *>(QLatin1String(name));
+        return m_window->findChild<Child *>(QString::fromLatin1(name));
     }
 
     void step()
@@ -200,31 +143,10 @@ private:
         if (top == nullptr)
             top = QApplication::activeModalWidget();
         if (auto *dialog = qobject_cast<QFileDialog *>(top))
-            return answer(dialog);
-        if (m_rest == 0)
+            answer(dialog);
+        else if (m_rest == 0)
             act(top == nullptr ? m_window : top);
     }
-    void act(QWidget *top)
-    {
-        const int what = world->draw(200);
-        if (what < 100)
-            press(top);
-        else if (what < 130)
-            wheel(top);
-        else if (what < 155)
-            type(top);
-        else if (what < 180)
-            key(top);
-        else if (what < 186)
-            world->plugOrPull();
-        else if (what < 188)
-            world->disturb();
-        else if (what < 189)
-            m_window->resize(world->draw(1600), world->draw(1000));
-        else
-            seekSensors();
-    }
-
     /// A file dialog can delete files, so it gets an answer and nothing else.
     void answer(QFileDialog *dialog)
     {
@@ -233,26 +155,50 @@ private:
         dialog->selectFile(world->image);
         QMetaObject::invokeMethod(dialog, accept ? "accept" : "reject", Qt::QueuedConnection);
     }
-    /// What changes everything is left alone most of the time, or nothing would ever last.
-    bool isUpheaval(const QWidget *widget) const
+    void act(QWidget *top)
     {
-        static const QStringList names{QStringLiteral("cbbSensorInf"), QStringLiteral("cbbLanguage"),
-                                       QStringLiteral("pbtnCh341Connect")};
-        return names.contains(widget->objectName()) ||
-               (qobject_cast<const QTabBar *>(widget) && widget->parentWidget()->parentWidget() == m_window);
+        const int what = world->draw(100);
+        if (what < 50)
+            press(top);
+        else if (what < 60)
+            wheel(top);
+        else if (what < 82)
+            type(top);
+        else if (what < 85)
+            world->plugOrPull();
+        else if (what < 86)
+            world->disturb();
+        else if (what < 87)
+            m_window->resize(world->draw(1600), world->draw(1000));
+        else if (top == m_window)
+            queue(m_window, [this](QWindow *) { seekSensors(); });
     }
-    QWidget *target(QWidget *top)
+
+    /// Nothing would last if these were pressed as often as the rest; and the server is not what most can go wrong with.
+    bool isSpared(const QWidget *widget) const
+    {
+        static const QStringList names =
+            QStringLiteral("cbbSensorInf,cbbLanguage,pbtnCh341Connect,leServiceAddr,spbServicePort,"
+                           "pbtnServiceConnect")
+                .split(QLatin1Char(','));
+        const bool isMainTabs =
+            qobject_cast<const QTabBar *>(widget) && widget->parentWidget()->parentWidget() == m_window;
+        return (isMainTabs || names.contains(widget->objectName())) && world->draw(30) != 0;
+    }
+    /// A widget of the window and a spot on it.
+    QWidget *aim(const char *verb, QWidget *top)
     {
         QWidgetList targets;
         const bool idle = world->draw(5) == 0;
         for (QWidget *widget : top->findChildren<QWidget *>()) {
             if (widget->window() == top && (idle || widget->focusPolicy() != Qt::NoFocus) &&
-                !widget->visibleRegion().isEmpty() && (!isUpheaval(widget) || world->draw(30) == 0))
+                !widget->visibleRegion().isEmpty() && !isSpared(widget))
                 targets.append(widget);
         }
         QWidget *widget = targets.isEmpty() ? top : world->oneOf(targets);
         m_spot = widget->mapTo(top, QPoint(world->draw(widget->width()), world->draw(widget->height())));
-        note(m_verb + ' ' + widget->metaObject()->className() + ' ' + widget->objectName().toUtf8());
+        note(QByteArray(verb) + ' ' + widget->metaObject()->className() + ' ' +
+             widget->objectName().toUtf8());
         return widget;
     }
     /// Not at once: what opens a box comes back only when the box is gone.
@@ -263,86 +209,74 @@ private:
         QMetaObject::invokeMethod(
             window, [=] { action(window); }, Qt::QueuedConnection);
     }
-    void mouse(QWidget *top, QEvent::Type type, Qt::MouseButton button)
-    {
-        const Qt::MouseButtons held = type == QEvent::MouseButtonPress ? button : Qt::NoButton;
-        queue(top, [=, spot = m_spot, global = top->mapToGlobal(m_spot)](QWindow *window) {
-            const auto now = static_cast<int>(QDateTime::currentMSecsSinceEpoch() & INT_MAX);
-            qt_handleMouseEvent(window, spot, global, held, button, type, Qt::NoModifier, now);
-        });
-    }
     void press(QWidget *top)
     {
+        aim("press", top);
         const Qt::MouseButton button = world->draw(20) == 0 ? Qt::RightButton : Qt::LeftButton;
-        m_verb = "press";
-        target(top);
-        mouse(top, QEvent::MouseButtonPress, button);
-        if (world->draw(20) == 0) {
-            m_verb = "drop on";
-            target(top);
-        }
-        mouse(top, QEvent::MouseButtonRelease, button);
+        queue(top, [=, spot = m_spot, global = top->mapToGlobal(m_spot)](QWindow *window) {
+            const auto now = static_cast<int>(QDateTime::currentMSecsSinceEpoch() & INT_MAX);
+            for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+                const Qt::MouseButtons held = type == QEvent::MouseButtonPress ? button : Qt::NoButton;
+                qt_handleMouseEvent(window, spot, global, held, button, type, Qt::NoModifier, now);
+            }
+        });
     }
     void wheel(QWidget *top)
     {
-        m_verb = "wheel";
-        QWidget *widget = target(top);
+        QWidget *widget = aim("wheel", top);
         const QPoint turn(0, world->draw(2) == 0 ? 120 : -120);
         QCoreApplication::postEvent(
             widget, new QWheelEvent(widget->mapFrom(top, m_spot), top->mapToGlobal(m_spot), QPoint(), turn,
                                     Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false));
     }
-    void send(QWidget *top, int code, Qt::KeyboardModifiers modifiers, const QString &text)
-    {
-        queue(top, [=](QWindow *window) {
-            qt_handleKeyEvent(window, QEvent::KeyPress, code, modifiers, text);
-            qt_handleKeyEvent(window, QEvent::KeyRelease, code, modifiers, text);
-        });
-    }
     void type(QWidget *top)
     {
-        const QStringList texts{QStringLiteral("127.0.0.1"), QStringLiteral("0"),     QStringLiteral("-7"),
-                                QStringLiteral("99999999"),  QStringLiteral("0x61"),  QStringLiteral("1e-9"),
-                                QStringLiteral("AA 55 60"),  QStringLiteral("触觉,"), world->image};
-        const QString &text = world->oneOf(texts);
-        note("type " + text.toUtf8());
-        for (const QChar letter : text)
-            send(top, letter.toUpper().unicode(), Qt::NoModifier, letter);
-    }
-    void key(QWidget *top)
-    {
-        static const std::vector<int> keys{Qt::Key_Tab,    Qt::Key_Backtab, Qt::Key_Space, Qt::Key_Return,
-                                           Qt::Key_Escape, Qt::Key_Up,      Qt::Key_Down,  Qt::Key_Left,
-                                           Qt::Key_Right,  Qt::Key_PageUp,  Qt::Key_Home,  Qt::Key_Backspace,
-                                           Qt::Key_Delete, Qt::Key_F4,      Qt::Key_A,     Qt::Key_PageDown,
-                                           Qt::Key_V,      Qt::Key_Menu};
-        const int code = world->oneOf(keys);
-        const auto modifiers =
-            std::array{Qt::NoModifier, Qt::NoModifier, Qt::ControlModifier, Qt::ShiftModifier}.at(
-                static_cast<std::size_t>(world->draw(4)));
-        note("key " + QByteArray::number(code, 16) + " with " + QByteArray::number(modifiers, 16));
-        send(top, code, modifiers, code == Qt::Key_Space ? QStringLiteral(" ") : QString());
+        static const std::array keys{Qt::Key_Tab,       Qt::Key_Backtab, Qt::Key_Return, Qt::Key_Escape,
+                                     Qt::Key_Up,        Qt::Key_Down,    Qt::Key_Right,  Qt::Key_F4,
+                                     Qt::Key_Backspace, Qt::Key_Home,    Qt::Key_Delete, Qt::Key_PageUp};
+        static const std::array texts{" ", "0", "-7", "99999999", "0x61", "1e-9", "AA 55 60", "触觉,"};
+        const int key = world->oneOf(keys);
+        const auto modifiers = world->draw(4) == 0 ? Qt::ControlModifier : Qt::NoModifier;
+        const QString text = world->draw(3) == 0 ? QString::fromUtf8(world->oneOf(texts)) : QString();
+        note("type " + text.toUtf8() + ' ' + QByteArray::number(key, 16) +
+             (modifiers != 0 ? " with Ctrl" : ""));
+        queue(top, [=](QWindow *window) {
+            const auto stroke = [window](int code, Qt::KeyboardModifiers held, const QString &letter = {}) {
+                for (const auto event : {QEvent::KeyPress, QEvent::KeyRelease})
+                    qt_handleKeyEvent(window, event, code, held, letter);
+            };
+            for (const QChar letter : text)
+                stroke(letter.toUpper().unicode(), Qt::NoModifier, letter);
+            stroke(key, modifiers);
+        });
     }
     /// Most of what can go wrong needs panels.
     void seekSensors()
     {
         auto *tabs = child<QTabWidget>("tabWidget");
         auto *button = child<QAbstractButton>("pbtnCh341Connect");
-        if (tabs->currentIndex() != 0 && world->draw(10) == 0) {
-            note("back to the first tab");
-            tabs->setCurrentIndex(0);
-        } else if (button->isVisible() && button->text() == QObject::tr("连接") &&
-                   child<QComboBox>("cbbCh341List")->count() > 0) {
+        auto *tree = child<QTreeWidget>();
+        const auto sensors = tree->findItems(QStringLiteral("/0x"), Qt::MatchContains | Qt::MatchRecursive);
+        if (tabs->currentIndex() != 0) {
+            if (world->draw(10) == 0)
+                tabs->setCurrentIndex(0);
+        } else if (button->text() == QObject::tr("连接") && child<QComboBox>("cbbCh341List")->count() > 0) {
             note("connect");
-            button->click();
             m_rest = 100 + world->draw(200);
+            button->click();
+        } else if (!sensors.isEmpty()) {
+            note("open a panel");
+            Q_EMIT tree->itemClicked(world->oneOf(sensors), 0);
+            if (const QMdiSubWindow *panel = child<QMdiArea>()->activeSubWindow()) {
+                if (auto *pages = panel->findChild<QTabWidget *>())
+                    pages->setCurrentIndex(world->draw(pages->count()));
+            }
         }
     }
 
     QWidget *m_window;
     QTimer m_timer;
     QPoint m_spot;
-    QByteArray m_verb;
     int m_rest = 0; ///< steps
 };
 
@@ -356,15 +290,6 @@ void letMonkeyIn()
     });
 }
 
-void watch(const std::atomic<bool> &over)
-{
-    while (!over) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        if (Clock::now().time_since_epoch() - Clock::duration(alive) > kPatience)
-            qCritical("the window does not answer");
-    }
-}
-
 } // namespace
 
 Q_COREAPP_STARTUP_FUNCTION(letMonkeyIn)
@@ -373,30 +298,22 @@ class tst_monkey : public QObject
 {
     Q_OBJECT
 
-public Q_SLOTS:
-    void openFolder(const QUrl &folder) { note("open " + folder.toEncoded()); }
-
 private Q_SLOTS:
     void theToolSurvives()
     {
         bool seeded = false;
-        unsigned seed = qEnvironmentVariable("MONKEY_SEED").toUInt(&seeded);
-        if (!seeded)
-            seed = std::random_device()();
         bool limited = false;
+        const unsigned given = qEnvironmentVariable("MONKEY_SEED").toUInt(&seeded);
+        const unsigned seed = seeded ? given : std::random_device()();
         const int seconds = qEnvironmentVariableIntValue("MONKEY_SECONDS", &limited);
-        std::fprintf(stderr, "MONKEY_SEED=%u\n", seed);
+        note("MONKEY_SEED=" + QByteArray::number(seed));
 
         const QTemporaryDir folder;
-        for (const char *place : {"XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
+        for (const char *place : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
             qputenv(place, folder.path().toLocal8Bit());
-        QCoreApplication::setApplicationName(QStringLiteral("tst_monkey"));
-        QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "openFolder");
-
         World machine;
         world = &machine;
         machine.random.seed(seed);
-        machine.bench.usb().unplug(machine.stranger);
         machine.end = Clock::now() + std::chrono::seconds(limited ? seconds : kDefaultSeconds);
         machine.image = folder.filePath(QStringLiteral("image.bin"));
         QFile image(machine.image);
@@ -405,8 +322,11 @@ private Q_SLOTS:
         class_settings::set(QStringLiteral("UPDATE/FILE_PATH"), machine.image);
 
         alive = Clock::now().time_since_epoch().count();
-        std::atomic<bool> over{false};
-        std::thread watchdog([&over] { watch(over); });
+        std::thread([] {
+            while (Clock::now().time_since_epoch() - Clock::duration(alive) < kPatience)
+                std::this_thread::sleep_for(kStep);
+            qCritical("the window does not answer");
+        }).detach();
         const QtMessageHandler before = qInstallMessageHandler(handleMessage);
         while (Clock::now() < machine.end) {
             char name[] = "tst_monkey";
@@ -414,20 +334,12 @@ private Q_SLOTS:
             qMain(1, arguments);
         }
         qInstallMessageHandler(before);
-        over = true;
-        watchdog.join();
     }
 };
 
 int main(int argc, char **argv)
 {
-    std::signal(SIGABRT, printAndDie);
-#ifdef __SANITIZE_ADDRESS__
-    __sanitizer_set_death_callback(printDiary);
-#else
-    std::signal(SIGSEGV, printAndDie);
-#endif
-    // The test library would end a long run after five minutes; the watchdog here looks at the window instead.
+    // The test library would end a long run after five minutes; the thread above looks at the window instead.
     qputenv("QTEST_FUNCTION_TIMEOUT", QByteArray::number(std::numeric_limits<int>::max()));
     tst_monkey test;
     return QTest::qExec(&test, argc, argv);
