@@ -10,29 +10,22 @@ VendorLibrary::VendorLibrary(const QString &name)
 #else
     m_library.setFileName(name);
 #endif
-    m_library.load();
+    if (!m_library.load())
+        m_lack = QStringLiteral("is not installed");
 }
 
-QFunctionPointer VendorLibrary::address(const char *symbol)
+QFunctionPointer VendorLibrary::resolve(const char *symbol)
 {
     if (!m_library.isLoaded())
         return nullptr;
     const QFunctionPointer function = m_library.resolve(symbol);
-    if (function == nullptr && m_missingSymbol.isEmpty())
-        m_missingSymbol = QLatin1String(symbol);
+    if (function == nullptr && isComplete())
+        m_lack = QLatin1String("has no ") + QLatin1String(symbol);
     return function;
 }
 
-bool VendorLibrary::isComplete() const
+void VendorLibrary::warnWhenIncomplete() const
 {
-    if (!m_library.isLoaded()) {
-        qWarning("%s is not installed, its bridges cannot be used", qUtf8Printable(m_name));
-        return false;
-    }
-    if (!m_missingSymbol.isEmpty()) {
-        qWarning("%s has no %s, its bridges cannot be used", qUtf8Printable(m_name),
-                 qUtf8Printable(m_missingSymbol));
-        return false;
-    }
-    return true;
+    if (!isComplete())
+        qWarning("%s %s, its bridges cannot be used", qUtf8Printable(m_name), qUtf8Printable(m_lack));
 }
