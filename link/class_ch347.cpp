@@ -163,7 +163,6 @@ uint32_t class_ch347::setIICSpeed(ch347_iic_speed_te speed)
 {
     if (!isOpen() || speed > ch347_iic_speed_te::Mode6)
         return 0;
-    m_speed = speed;
     return CH347I2C_Set(m_state.openIndex, static_cast<uint32_t>(speed));
 }
 

@@ -105,7 +105,6 @@ private:
     static std::atomic<class_ch347 *> s_notified;
 
     BridgeState m_state;
-    ch347_iic_speed_te m_speed = ch347_iic_speed_te::Khz100;
     uint8_t m_enabledPins = 0;
     uint8_t m_outputPins = 0;
     uint8_t m_highPins = 0;

@@ -6,19 +6,17 @@
 
 /// A setting of the CH347 for which no command of the chip is known. It counts as made, the chip stays as it is, and that is
 /// said once in the life of the process.
-class UntoldSetting
+class UnsupportedSetting
 {
 public:
-    explicit UntoldSetting(const char *name)
+    explicit UnsupportedSetting(const char *name)
         : m_name(name)
     {}
 
-    /// Always true.
-    bool accept(uint32_t value)
+    void note(uint32_t value)
     {
         if (!m_noted.exchange(true))
             qDebug("%s %u: no command of the chip is known for it, the chip keeps its own", m_name, value);
-        return true;
     }
 
 private:

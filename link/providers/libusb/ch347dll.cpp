@@ -4,7 +4,7 @@
 #include "link/providers/libusb/BridgeTable.h"
 #include "link/providers/libusb/Ch347Chip.h"
 #include "link/providers/libusb/HotplugMonitor.h"
-#include "link/providers/libusb/UntoldSetting.h"
+#include "link/providers/libusb/UnsupportedSetting.h"
 
 #include <cstdio>
 #include <thread>
@@ -21,10 +21,19 @@ Ch347Table &table()
     return bridges;
 }
 
-UntoldSetting fastClock("I2C clock above 750 kHz");
-UntoldSetting stretch("I2C clock stretching");
-UntoldSetting driverMode("I2C driver mode");
-UntoldSetting transferDelay("I2C delay");
+UnsupportedSetting fastClock("I2C clock above 750 kHz");
+UnsupportedSetting stretch("I2C clock stretching");
+UnsupportedSetting driverMode("I2C driver mode");
+UnsupportedSetting transferDelay("I2C delay");
+
+/// Fails only when the index is not open.
+uint32_t accept(uint32_t index, UnsupportedSetting &setting, uint32_t value)
+{
+    return table().run(index, [&setting, value](Ch347Chip &) {
+        setting.note(value);
+        return true;
+    });
+}
 
 } // namespace
 
@@ -58,18 +67,18 @@ uint32_t TACTILE_VENDOR_CALL CH347SetDeviceNotify(uint32_t, const char *, CH347N
 uint32_t TACTILE_VENDOR_CALL CH347I2C_Set(uint32_t index, uint32_t mode)
 {
     if (mode > kFastestKnownMode)
-        return table().run(index, [mode](Ch347Chip &) { return fastClock.accept(mode); });
+        return accept(index, fastClock, mode);
     return table().run(index, [mode](Ch347Chip &chip) { return chip.setSpeed(static_cast<uint8_t>(mode)); });
 }
 
 uint32_t TACTILE_VENDOR_CALL CH347I2C_SetStretch(uint32_t index, uint32_t on)
 {
-    return table().run(index, [on](Ch347Chip &) { return stretch.accept(on); });
+    return accept(index, stretch, on);
 }
 
 uint32_t TACTILE_VENDOR_CALL CH347I2C_SetDriverMode(uint32_t index, uint8_t mode)
 {
-    return table().run(index, [mode](Ch347Chip &) { return driverMode.accept(mode); });
+    return accept(index, driverMode, mode);
 }
 
 uint32_t TACTILE_VENDOR_CALL CH347I2C_SetDelaymS(uint32_t index, uint32_t delayMs)
@@ -77,7 +86,8 @@ uint32_t TACTILE_VENDOR_CALL CH347I2C_SetDelaymS(uint32_t index, uint32_t delayM
     return table().run(index, [delayMs](Ch347Chip &) {
         // The next transfer is to wait; as nothing else can happen before it, the host may as well wait now.
         std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
-        return transferDelay.accept(delayMs);
+        transferDelay.note(delayMs);
+        return true;
     });
 }
 
