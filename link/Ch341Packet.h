@@ -6,12 +6,13 @@
 #include <cstddef>
 #include <cstdint>
 
-/// One stream packet of the CH341, built in place. No packet of ours is longer than the 32 bytes that the chip takes in one
-/// go.
+/// One stream packet of the CH341, built in place. No packet of ours is longer than the 32 bytes that the
+/// chip takes in one go.
 class Ch341Packet
 {
 public:
-    /// First packet of a transfer: opens the stream, start condition, address byte, pause as the speed wants it.
+    /// First packet of a transfer: opens the stream, start condition, address byte, pause as the speed wants
+    /// it.
     static Ch341Packet first(uint8_t addressByte, ch341_iic_speed_te speed);
     /// Any further packet of a transfer.
     static Ch341Packet next();

@@ -8,9 +8,9 @@
 
 class class_uart;
 
-/// Keeps the list of serial ports fresh while nobody has a port open: a list every 500 ms, from the first call of
-/// `class_uart::scan` on, and again after the port has been closed. There is one timer, so that lists never come twice as
-/// often, whoever asks for scans besides.
+/// Keeps the list of serial ports fresh while nobody has a port open: a list every 500 ms, from the first
+/// call of `class_uart::scan` on, and again after the port has been closed. There is one timer, so that lists
+/// never come twice as often, whoever asks for scans besides.
 ///
 /// Belongs to the link (which is its parent) and dies with it.
 class SerialPortPoller : public QObject
@@ -18,8 +18,8 @@ class SerialPortPoller : public QObject
     Q_OBJECT
 
 public:
-    /// `wanted` tells whether the serial interface is still the chosen one; while it is false lists are dropped and polling
-    /// rests. Without it ports are always wanted.
+    /// `wanted` tells whether the serial interface is still the chosen one; while it is false lists are
+    /// dropped and polling rests. Without it ports are always wanted.
     explicit SerialPortPoller(class_uart *link, std::function<bool()> wanted = {});
 
 Q_SIGNALS:

@@ -25,8 +25,9 @@ struct BridgeState
     int8_t position(uint16_t id) const { return static_cast<int8_t>(deviceList.indexOf(id)); }
 };
 
-/// Opens the listed bridge of that id by openDevice(index), and gives it up by closeDevice(index) when that fails. The index
-/// must be below indexCount. Returns the device index, or -1 after a log line that says what is wrong.
+/// Opens the listed bridge of that id by openDevice(index), and gives it up by closeDevice(index) when that
+/// fails. The index must be below indexCount. Returns the device index, or -1 after a log line that says what
+/// is wrong.
 template<typename OpenDevice, typename CloseDevice>
 int8_t openListedBridge(const BridgeState &state, uint16_t id, int indexCount, OpenDevice openDevice,
                         CloseDevice closeDevice)
@@ -44,9 +45,9 @@ int8_t openListedBridge(const BridgeState &state, uint16_t id, int indexCount, O
     return index;
 }
 
-/// Follows an open bridge after arrivals and removals: closes the link when its device has gone, and opens it again when
-/// other bridges that came or went have moved its device to another index. The latter waits for the latest list, since an
-/// index of an earlier one may by now be another bridge's.
+/// Follows an open bridge after arrivals and removals: closes the link when its device has gone, and opens it
+/// again when other bridges that came or went have moved its device to another index. The latter waits for
+/// the latest list, since an index of an earlier one may by now be another bridge's.
 template<typename Link>
 void followOpenBridge(Link &link, const BridgeState &state, uint32_t status, bool isLatest = true)
 {

@@ -41,8 +41,8 @@ enum class ch347_gpio_dir_te : uint8_t {
     Output = 1,
 };
 
-/// I2C bus and pins of a CH347 bridge. Belongs to the thread of its owner and blocks it for the time of a transfer; the
-/// list of bridges comes for the first time 100 ms after construction.
+/// I2C bus and pins of a CH347 bridge. Belongs to the thread of its owner and blocks it for the time of a
+/// transfer; the list of bridges comes for the first time 100 ms after construction.
 ///
 /// The destructor does not close the bridge: its user does, before.
 class class_ch347 : public QObject
@@ -53,20 +53,21 @@ public:
     explicit class_ch347(QObject *parent = nullptr);
     ~class_ch347() override;
 
-    /// Opens the bridge of that id, which must be in the last list. Emits si_connected before it returns true.
+    /// Opens the bridge of that id, which must be in the last list. Emits si_connected before it returns
+    /// true.
     bool open(uint16_t id);
     /// Always 1. Emits si_disconnected when the link was open.
     uint8_t close();
     bool isOpen() const { return m_state.isOpen(); }
 
-    /// Makes the list of bridge ids anew and returns their number. Opens and closes every index, the one in use too, so
-    /// that a link that is open has to be closed and opened again afterwards.
+    /// Makes the list of bridge ids anew and returns their number. Opens and closes every index, the one in
+    /// use too, so that a link that is open has to be closed and opened again afterwards.
     int scan();
     /// scan, then si_updateList, before it returns.
     void getScanSignal();
 
-    /// Both take a 7-bit I2C address and return the length, or 0 on failure; a write has 1 to 4097 bytes. A failed read
-    /// leaves 0xFF in the whole buffer.
+    /// Both take a 7-bit I2C address and return the length, or 0 on failure; a write has 1 to 4097 bytes. A
+    /// failed read leaves 0xFF in the whole buffer.
     uint16_t write(uint8_t address, const uint8_t *data, uint16_t length);
     uint16_t read(uint8_t address, uint8_t *buffer, uint16_t length);
     /// write, a pause, read. Returns the length read, or 0 when one of the two fails.
@@ -79,13 +80,15 @@ public:
     uint32_t setIICStretch(uint8_t on);
     uint32_t setIICDriverMode(uint8_t mode);
 
-    /// Takes a pin into use or out of it. All pins set before keep their direction and level. Non-zero on success.
+    /// Takes a pin into use or out of it. All pins set before keep their direction and level. Non-zero on
+    /// success.
     uint32_t setGPIO(ch347_gpio_te pin, ch347_gpio_en_te enable, ch347_gpio_dir_te direction, uint8_t level);
-    /// Reads a pin that setGPIO has enabled. Non-zero on success; the targets are left alone when an argument is refused.
+    /// Reads a pin that setGPIO has enabled. Non-zero on success; the targets are left alone when an argument
+    /// is refused.
     uint32_t getGPIO(ch347_gpio_te pin, ch347_gpio_dir_te *direction, uint8_t *level);
 
-    /// Kept ready for the bridge library but not registered: arrivals and removals show in the next scan. May be entered
-    /// on any thread.
+    /// Kept ready for the bridge library but not registered: arrivals and removals show in the next scan. May
+    /// be entered on any thread.
     static void TACTILE_VENDOR_CALL CH347_NOTIFY_ROUTINE(uint32_t status);
 
 Q_SIGNALS:
@@ -95,7 +98,8 @@ Q_SIGNALS:
     void si_connectTimeout();
     void si_updateList(QVector<uint16_t> ch347List);
     void si_notify(uint8_t state);
-    /// The library has given notice; may be emitted on any thread and is heard only by the instance itself, on its own.
+    /// The library has given notice; may be emitted on any thread and is heard only by the instance itself,
+    /// on its own.
     void bridgeNoticed(unsigned int status);
 
 private:

@@ -5,5 +5,6 @@
 
 #include <cstdint>
 
-/// Bridge ids as the user sees them and as the device boxes hold them: decimal texts, in the order of the list.
+/// Bridge ids as the user sees them and as the device boxes hold them: decimal texts, in the order of the
+/// list.
 QStringList deviceIdTexts(const QVector<uint16_t> &ids);

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <mutex>
 
-/// Stands between the thread on which a provider hears of arrivals and removals and the routine that its user has
-/// registered. After set() has returned, the routine that was there before neither runs nor will run, unless set() was
-/// called from that routine itself.
+/// Stands between the thread on which a provider hears of arrivals and removals and the routine that its user
+/// has registered. After set() has returned, the routine that was there before neither runs nor will run,
+/// unless set() was called from that routine itself.
 class NotifyGate
 {
 public:

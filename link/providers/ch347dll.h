@@ -4,13 +4,13 @@
 
 #include <cstdint>
 
-/// The operations of the CH347 bridge, all addressed by device index. Only declared here: the program that links decides
-/// who provides them. Operations with a result of uint32_t return non-zero on success.
+/// The operations of the CH347 bridge, all addressed by device index. Only declared here: the program that
+/// links decides who provides them. Operations with a result of uint32_t return non-zero on success.
 
 using CH347NotifyRoutine = void(TACTILE_VENDOR_CALL *)(uint32_t status);
 
-/// Room for the device information record, whose layout is the library's own. Of its content only the device id text
-/// counts: the zero-terminated text that holds a '#'.
+/// Room for the device information record, whose layout is the library's own. Of its content only the device
+/// id text counts: the zero-terminated text that holds a '#'.
 struct CH347DeviceInfo
 {
     char bytes[1024];
@@ -31,8 +31,8 @@ uint32_t TACTILE_VENDOR_CALL CH347I2C_SetStretch(uint32_t index, uint32_t on);
 uint32_t TACTILE_VENDOR_CALL CH347I2C_SetDriverMode(uint32_t index, uint8_t mode);
 uint32_t TACTILE_VENDOR_CALL CH347I2C_SetDelaymS(uint32_t index, uint32_t delayMs);
 
-/// One whole I2C transfer: start, the write bytes of which the first is the address byte, a repeated start when both
-/// lengths are set, the reads, stop.
+/// One whole I2C transfer: start, the write bytes of which the first is the address byte, a repeated start
+/// when both lengths are set, the reads, stop.
 uint32_t TACTILE_VENDOR_CALL CH347StreamI2C(uint32_t index, uint32_t writeLength, const void *writeBuffer,
                                             uint32_t readLength, void *readBuffer);
 

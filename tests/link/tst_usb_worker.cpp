@@ -1,4 +1,5 @@
-// The whole road without hardware: worker, link, libusb, an emulated chip, a simulated bus with multiplexer and sensors.
+// The whole road without hardware: worker, link, libusb, an emulated chip, a simulated bus with multiplexer
+// and sensors.
 
 #include "sim/SimI2cBus.h"
 #include "sim/SimSensor.h"

@@ -8,12 +8,14 @@
 
 #include <type_traits>
 
-/// A bridge library that is looked for when the program runs. It is used whole or not at all: the one of a family is a class
-/// of its own, with a VendorOperation for each operation, that calls warnWhenIncomplete() once it has them all.
+/// A bridge library that is looked for when the program runs. It is used whole or not at all: the one of a
+/// family is a class of its own, with a VendorOperation for each operation, that calls warnWhenIncomplete()
+/// once it has them all.
 class VendorLibrary
 {
 public:
-    /// The plain name, without prefix, suffix or folder. On 64-bit Windows the library goes by a name of its own.
+    /// The plain name, without prefix, suffix or folder. On 64-bit Windows the library goes by a name of its
+    /// own.
     explicit VendorLibrary(const QString &name);
 
     /// Null when there is no such operation, which makes the library incomplete.

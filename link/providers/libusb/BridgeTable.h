@@ -8,26 +8,29 @@
 #include <memory>
 #include <mutex>
 
-/// The open bridges of one family by device index. An index is the position among the bridges plugged in at the time of
-/// opening; a bridge that is open keeps its index until it is closed. May be used from any thread.
+/// The open bridges of one family by device index. An index is the position among the bridges plugged in at
+/// the time of opening; a bridge that is open keeps its index until it is closed. May be used from any
+/// thread.
 template<typename Chip, size_t Count>
 class BridgeTable
 {
 public:
     using ChipPointer = std::shared_ptr<Chip>;
 
-    /// Of statics the one made first goes last, and the context has to outlive the bridges that are still open.
+    /// Of statics the one made first goes last, and the context has to outlive the bridges that are still
+    /// open.
     BridgeTable() { transferContext(); }
 
-    /// Null when the index is not open. A transfer in progress keeps its chip alive, whoever closes the index.
+    /// Null when the index is not open. A transfer in progress keeps its chip alive, whoever closes the
+    /// index.
     ChipPointer chip(uint32_t index)
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         return index < Count ? m_chips[index] : nullptr;
     }
 
-    /// Null on failure. A bridge that is already open stays as it is; when that was under another index, because bridges
-    /// before it came or went, it is open under both.
+    /// Null on failure. A bridge that is already open stays as it is; when that was under another index,
+    /// because bridges before it came or went, it is open under both.
     ChipPointer open(uint32_t index)
     {
         const UsbDevicePointer device = pluggedDevice(index);
@@ -62,8 +65,8 @@ public:
             closing.swap(m_chips[index]);
     }
 
-    /// Runs a chip's operation on the bridge that is open at the index. Returns 1 on success, 0 when the operation failed or
-    /// the index is not open.
+    /// Runs a chip's operation on the bridge that is open at the index. Returns 1 on success, 0 when the
+    /// operation failed or the index is not open.
     template<typename Operation>
     uint32_t run(uint32_t index, Operation operation)
     {

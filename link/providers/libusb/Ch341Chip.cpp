@@ -99,8 +99,8 @@ size_t Ch341Chip::writeRead(const uint8_t *stream, size_t length, uint8_t *buffe
     return total;
 }
 
-/// Takes one packet of the chip, no more than was asked for and than there is room for. Returns the count taken, -1 when
-/// nothing came.
+/// Takes one packet of the chip, no more than was asked for and than there is room for. Returns the count
+/// taken, -1 when nothing came.
 int Ch341Chip::receiveAnswer(size_t size, uint8_t *buffer, size_t capacity)
 {
     std::array<uint8_t, kCh341PacketSize> packet;

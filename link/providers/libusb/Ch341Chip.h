@@ -18,8 +18,8 @@ public:
     /// To be called once, before anything else. Always true: reset() deals with a chip that does not answer.
     bool start();
 
-    /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB device. After a
-    /// failure the bridge has to be opened anew.
+    /// Ends whatever transfer the chip is in. A chip that does not answer afterwards is reset as a USB
+    /// device. After a failure the bridge has to be opened anew.
     bool reset();
     bool flush();
 
@@ -28,7 +28,8 @@ public:
     uint32_t speedMode() const { return m_speedMode; }
 
     bool write(const uint8_t *stream, size_t length);
-    /// Sends a stream and collects what it reads, at most capacity bytes. Returns the count, 0 when an answer stayed out.
+    /// Sends a stream and collects what it reads, at most capacity bytes. Returns the count, 0 when an answer
+    /// stayed out.
     size_t writeRead(const uint8_t *stream, size_t length, uint8_t *buffer, size_t capacity);
 
     /// Levels of the pins, bits 15..0 of the status word.

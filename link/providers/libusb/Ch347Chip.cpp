@@ -37,8 +37,9 @@ Ch347Chip::Ch347Chip(std::unique_ptr<UsbBridge> usb)
 
 bool Ch347Chip::start()
 {
-    // The first answer after power-up can be rubbish, so the pins are asked for once without need. In one mode there is
-    // need: the clock line of the bus shares its pin with them, and the pin has to be high first.
+    // The first answer after power-up can be rubbish, so the pins are asked for once without need. In one
+    // mode there is need: the clock line of the bus shares its pin with them, and the pin has to be high
+    // first.
     Pins request = {};
     if (productOf(m_usb->device()) == kCh347JtagProduct)
         request[kClockPin] = kChangePin | kMakeOutput | kMakeHigh;
@@ -90,7 +91,8 @@ bool Ch347Chip::transfer(const uint8_t *toSend, size_t sendCount, uint8_t *buffe
     return true;
 }
 
-/// False when bytes stay out or one that was sent was not acknowledged; the buffer is written only when it is true.
+/// False when bytes stay out or one that was sent was not acknowledged; the buffer is written only when it is
+/// true.
 bool Ch347Chip::exchangePacket(const Ch347Packet &packet, uint8_t *buffer)
 {
     if (!m_usb->send(packet.stream.data(), packet.stream.size()))

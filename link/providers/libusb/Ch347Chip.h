@@ -16,14 +16,15 @@ public:
 
     libusb_device *device() const { return m_usb->device(); }
 
-    /// To be called once, before anything else. False, with words in the log, when the chip does not answer, even after it
-    /// was reset as a USB device.
+    /// To be called once, before anything else. False, with words in the log, when the chip does not answer,
+    /// even after it was reset as a USB device.
     bool start();
 
     /// I2C clock, mode 0 to 3.
     bool setSpeed(uint8_t mode);
 
-    /// One I2C transfer, see ch347Transfer(). False also when a byte was not acknowledged; the bus is free in any case.
+    /// One I2C transfer, see ch347Transfer(). False also when a byte was not acknowledged; the bus is free in
+    /// any case.
     bool transfer(const uint8_t *toSend, size_t sendCount, uint8_t *buffer, size_t receiveCount);
 
     /// One bit a pin; a direction bit of 1 is an output. Pins that are not enabled are left alone.

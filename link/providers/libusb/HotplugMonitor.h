@@ -9,8 +9,9 @@
 #include <thread>
 #include <vector>
 
-/// Tells the registered routines of arrivals and removals, on a thread of its own that is started with the first routine and
-/// ends with the process. It has a libusb context of its own, so that no transfer ever waits for a routine.
+/// Tells the registered routines of arrivals and removals, on a thread of its own that is started with the
+/// first routine and ends with the process. It has a libusb context of its own, so that no transfer ever
+/// waits for a routine.
 class HotplugMonitor
 {
 public:
@@ -19,12 +20,12 @@ public:
     HotplugMonitor(const HotplugMonitor &) = delete;
     HotplugMonitor &operator=(const HotplugMonitor &) = delete;
 
-    /// Sets the routine of a family, null for none. False when arrivals and removals cannot be followed. See NotifyGate for
-    /// what holds after a removal.
+    /// Sets the routine of a family, null for none. False when arrivals and removals cannot be followed. See
+    /// NotifyGate for what holds after a removal.
     bool setRoutine(BridgeFamily family, NotifyGate::Routine routine);
 
-    /// What pluggedBridges() gives, but inside a routine the bridges that were there at the event it is called for. One that
-    /// has left is none of them, whatever has been plugged into its port since.
+    /// What pluggedBridges() gives, but inside a routine the bridges that were there at the event it is
+    /// called for. One that has left is none of them, whatever has been plugged into its port since.
     static std::vector<UsbDevicePointer> listedBridges(BridgeFamily family);
 
 private:

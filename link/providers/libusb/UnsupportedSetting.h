@@ -4,8 +4,8 @@
 
 #include <atomic>
 
-/// A setting of the CH347 for which no command of the chip is known. It counts as made, the chip stays as it is, and that is
-/// said once in the life of the process.
+/// A setting of the CH347 for which no command of the chip is known. It counts as made, the chip stays as it
+/// is, and that is said once in the life of the process.
 class UnsupportedSetting
 {
 public:

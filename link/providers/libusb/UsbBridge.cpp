@@ -38,8 +38,8 @@ size_t bulkPacketSize(const libusb_interface_descriptor &description, uint8_t ad
     return 0;
 }
 
-/// Looks for the interface that speaks the bridge's own protocol. The others, such as those of its serial ports, belong to
-/// the kernel. Returns a result of libusb.
+/// Looks for the interface that speaks the bridge's own protocol. The others, such as those of its serial
+/// ports, belong to the kernel. Returns a result of libusb.
 int findInterface(libusb_device *device, BridgeEndpoints endpoints, BridgeInterface &found)
 {
     libusb_config_descriptor *active = nullptr;
@@ -113,7 +113,8 @@ bool UsbBridge::isReady(const std::function<bool()> &passesTrial)
     if (m_health == Health::Silent && std::chrono::steady_clock::now() >= m_nextTrial) {
         drain(); // the answer may only have been late
         const bool passed = passesTrial();
-        // Also when it passed: one that falls silent again at once is to cost its callers no second after second.
+        // Also when it passed: one that falls silent again at once is to cost its callers no second after
+        // second.
         m_nextTrial = std::chrono::steady_clock::now() + kTrialInterval;
         if (passed)
             return true;

@@ -11,7 +11,8 @@ constexpr uint8_t kCountMask = 0x3F;
 constexpr uint8_t kSend = 0x80;
 constexpr uint8_t kReceive = 0xC0;
 
-/// A count of 0 stands for one byte: sent, with its acknowledge bit reported, or received without an acknowledge.
+/// A count of 0 stands for one byte: sent, with its acknowledge bit reported, or received without an
+/// acknowledge.
 size_t bytesOf(uint8_t command)
 {
     return std::max<size_t>(command & kCountMask, 1);

@@ -16,7 +16,8 @@ Ch341Table &table()
     return bridges;
 }
 
-/// The fields that the ids of the bridges are made of are the first and the fourth of the part between the last two '#'.
+/// The fields that the ids of the bridges are made of are the first and the fourth of the part between the
+/// last two '#'.
 std::string pathOf(libusb_device *device, const std::vector<UsbDevicePointer> &bridges)
 {
     const unsigned id = portIdOf(device, bridges);
@@ -46,7 +47,8 @@ uint32_t TACTILE_VENDOR_CALL CH341ResetDevice(uint32_t index)
     };
     if (table().run(index, reset) != 0)
         return 1;
-    // The reset may have left the bridge as one newly plugged in, with which the old handle has nothing to do.
+    // The reset may have left the bridge as one newly plugged in, with which the old handle has nothing to
+    // do.
     table().reopen(index);
     return table().run(index, [speedMode](Ch341Chip &chip) { return chip.setSpeed(speedMode); });
 }

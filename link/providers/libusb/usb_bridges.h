@@ -45,14 +45,16 @@ void sortByPort(std::vector<UsbDevicePointer> &bridges);
 /// The bridge of the family that is plugged in where a device is or was; null when there is none.
 UsbDevicePointer bridgeInPlaceOf(libusb_device *device, BridgeFamily family);
 
-/// Bus number times 1000 plus the last three digits of the port numbers on the way to the device written one after another:
-/// port 4 of a hub in port 1 of bus 3 is 3014. The same for a given port of the machine, whatever is plugged in there, and
-/// different for all of the bridges, which are those of a family in the order of pluggedBridges(). Where two ports have
-/// the same digits (port 11, and port 1 of the hub in port 1), only the first keeps its number; the other has the next one
-/// that no bridge claims, and only while both are plugged in.
+/// Bus number times 1000 plus the last three digits of the port numbers on the way to the device written one
+/// after another: port 4 of a hub in port 1 of bus 3 is 3014. The same for a given port of the machine,
+/// whatever is plugged in there, and different for all of the bridges, which are those of a family in the
+/// order of pluggedBridges(). Where two ports have the same digits (port 11, and port 1 of the hub in port
+/// 1), only the first keeps its number; the other has the next one that no bridge claims, and only while both
+/// are plugged in.
 unsigned portIdOf(libusb_device *device, const std::vector<UsbDevicePointer> &bridges);
 /// The same among the bridges of the family that are plugged in now.
 unsigned portIdOf(libusb_device *device, BridgeFamily family);
 
-/// Where the device's node is, such as /dev/bus/usb/003/012. A device gets another node each time it is plugged in.
+/// Where the device's node is, such as /dev/bus/usb/003/012. A device gets another node each time it is
+/// plugged in.
 std::string nodeOf(libusb_device *device);

@@ -1,4 +1,5 @@
-// Stand-in for the libraries of both families: every operation leaves a trace of its arguments in what it returns.
+// Stand-in for the libraries of both families: every operation leaves a trace of its arguments in what it
+// returns.
 
 #include <cstdint>
 #include <cstring>

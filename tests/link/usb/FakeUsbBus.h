@@ -9,8 +9,8 @@
 
 using Bytes = std::vector<uint8_t>;
 
-/// A USB of the test's own in place of the machine's: devices, their nodes and the news of them come from here for the whole
-/// process. Make it before anything looks at the USB, and only once.
+/// A USB of the test's own in place of the machine's: devices, their nodes and the news of them come from
+/// here for the whole process. Make it before anything looks at the USB, and only once.
 class FakeUsbBus
 {
 public:
@@ -32,8 +32,8 @@ public:
     std::string realPath(const std::string &node) const;
     /// Adds a device by its description; ends the process when that is wrong.
     void add(const std::string &description);
-    /// Returns when libusb has taken note of everything that has been announced. It looks up what it hears of, so nothing
-    /// may disappear before.
+    /// Returns when libusb has taken note of everything that has been announced. It looks up what it hears
+    /// of, so nothing may disappear before.
     void settle();
 
 private:

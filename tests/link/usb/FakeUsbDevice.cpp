@@ -106,8 +106,8 @@ void FakeUsbDevice::unplug()
     umockdev_testbed_detach_ioctl(m_bus.testbed(), node().c_str(), nullptr);
 }
 
-/// A file would always look as if there were something to fetch, and whoever waits would spin. A fifo that is kept full
-/// looks so only when there is.
+/// A file would always look as if there were something to fetch, and whoever waits would spin. A fifo that is
+/// kept full looks so only when there is.
 void FakeUsbDevice::makeNode()
 {
     const std::string path = m_bus.realPath(node());

@@ -24,8 +24,8 @@ public:
 class FakeUsbDevice
 {
 public:
-    /// "1-2.3" is the device in port 3 of the hub in port 2 of bus 1. The chip must outlive the device, and whoever has
-    /// the device open must close it first.
+    /// "1-2.3" is the device in port 3 of the hub in port 2 of bus 1. The chip must outlive the device, and
+    /// whoever has the device open must close it first.
     FakeUsbDevice(FakeUsbBus &bus, const std::string &name, int address, FakeUsbChip &chip);
     ~FakeUsbDevice();
     FakeUsbDevice(const FakeUsbDevice &) = delete;

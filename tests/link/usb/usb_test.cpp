@@ -21,7 +21,8 @@ void countFenceNotice(uint32_t)
 } // namespace
 
 #if defined(__SANITIZE_THREAD__)
-/// What the fake bus brings along and is not built with the sanitizer: the order that these libraries keep does not show.
+/// What the fake bus brings along and is not built with the sanitizer: the order that these libraries keep
+/// does not show.
 extern "C" const char *__tsan_default_suppressions()
 {
     return "race:libudev.so\n"

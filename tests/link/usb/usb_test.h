@@ -11,8 +11,8 @@
 #include <string>
 #include <thread>
 
-/// Plugs and unplugs a device of one family and waits for the notice of it, so that none of the other family is still on its
-/// way. setNotify is the operation that registers the routine of the fence's family.
+/// Plugs and unplugs a device of one family and waits for the notice of it, so that none of the other family
+/// is still on its way. setNotify is the operation that registers the routine of the fence's family.
 bool passFence(FakeUsbDevice &fence, uint32_t (*setNotify)(uint32_t, const char *, void (*)(uint32_t)));
 
 /// True unless it is what opening a device returns on failure.
@@ -59,5 +59,6 @@ private:
     std::string m_path;
 };
 
-/// Runs the test object that make() makes on a fake bus that outlives everything. Ends with 77 where no bus can be faked.
+/// Runs the test object that make() makes on a fake bus that outlives everything. Ends with 77 where no bus
+/// can be faked.
 int runUsbTest(int argc, char **argv, const std::function<QObject *(FakeUsbBus &)> &make);
