@@ -2,6 +2,7 @@
 
 #include "update/hex2bin.h"
 
+#include <QFile>
 #include <QFileInfo>
 
 #include <array>
@@ -40,4 +41,23 @@ QByteArray firmwareImage(const QString &fileName, const QByteArray &content, boo
         mask(image);
     }
     return image;
+}
+
+FirmwareFile loadFirmware(const QString &path, bool merge)
+{
+    QFile file(path);
+    if (!file.exists())
+        return {FirmwareFile::Missing, {}, {}};
+    QByteArray content;
+    if (file.open(QIODevice::ReadOnly))
+        content = file.readAll();
+    // A file that breaks off while it is read must not be sent as if it were whole.
+    if (!file.isOpen() || file.error() != QFileDevice::NoError)
+        return {FirmwareFile::Unreadable, {}, {}};
+    file.close();
+    const QString name = QFileInfo(path).fileName();
+    const QByteArray image = firmwareImage(name, content, merge);
+    if (image.isEmpty())
+        return {FirmwareFile::Empty, {}, {}};
+    return {0, name, image};
 }

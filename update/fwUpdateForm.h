@@ -1,17 +1,16 @@
 #pragma once
 
+#include "update/UpdateJob.h"
+#include "update/UpdateLink.h"
+
 #include <QByteArray>
-#include <QElapsedTimer>
-#include <QPointer>
 #include <QWidget>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
-class class_ch341;
-class class_ch347;
-class class_uart;
-class class_ymodem;
+class QRadioButton;
 
 namespace Ui {
 class fwUpdateForm;
@@ -42,9 +41,8 @@ public:
     /// Path of the image as it stands on the page.
     QString getFile() const;
 
-    /// Both act on the chosen interface, and on none when there is no link. On the serial line address and len mean
-    /// nothing: everything is written, and all that has come is read. A read from a bridge that fails gives zeros or
-    /// 0xFF; wait has no effect.
+    /// Both act on the chosen interface, see UpdateLink. A read from a bridge that fails gives zeros or 0xFF; wait has no
+    /// effect.
     void sensorWrite(uint8_t addr, QByteArray frame, uint16_t len);
     void sensorRead(uint8_t addr, QByteArray *out, uint16_t len, uint16_t wait);
 
@@ -64,52 +62,30 @@ private:
     void initInterfaces();
     void initResetCommand();
     void initFile();
+    void initJob();
     void selectFile();
     bool isBusy() const;
     bool isBridgeChosen() const;
 
-    void ch341Chosen();
-    void ch347Chosen();
-    void uartChosen();
     void showBridgeBoxes();
     void showSerialBoxes();
-    void ch341Init();
-    void ch347Init();
-    void uartInit();
-    void ch341Deinit();
-    void ch347Deinit();
-    void uartDeinit();
-    void ch341Connected();
-    void ch347Connected();
-    void pcaReset();
-    bool openLink();
-    void closeLink();
+    QRadioButton *buttonOf(SensorLink::Kind kind) const;
+    void makeLink(SensorLink::Kind kind);
+    void uartInit() { makeLink(SensorLink::Kind::Serial); }
+    void uartDeinit() { m_link.release(SensorLink::Kind::Serial); }
+    void ch341Deinit() { m_link.release(SensorLink::Kind::Ch341); }
+    void ch347Deinit() { m_link.release(SensorLink::Kind::Ch347); }
+    void bridgeOpened();
     bool selectChannel();
-    void bridgeWrite(uint8_t addr, const QByteArray &frame, uint16_t len);
-    uint8_t readSelectedChannels();
 
-    void startClicked();
     void beginUpdate();
     void endUpdate();
     void runUpdate();
-    void sendResetCommand();
-    void sendResetAtAllRates(const QByteArray &command);
-    void sendResetAtRate(const QByteArray &command, unsigned rate);
-    void reopenAtChosenRate();
-    void startTransfer(const QString &name, const QByteArray &image);
-    void connectRequests(class_ymodem *sender);
-    void connectResults(class_ymodem *sender);
-    void transferFailed(const QString &text);
-    void dropSender();
-    void transferEnded();
+    void showSuccess(std::chrono::milliseconds elapsed);
+    void showFailure(UpdateJob::Failure failure);
 
     std::unique_ptr<Ui::fwUpdateForm> ui;
-    class_ch341 *m_ch341 = nullptr;
-    class_ch347 *m_ch347 = nullptr;
-    class_uart *m_uart = nullptr;
+    UpdateLink m_link;
+    UpdateJob m_job{m_link};
     int m_boardIndex = 0;
-    /// Keeps the address that a reset over the serial line puts in, for every later update.
-    QByteArray m_defaultReset;
-    QElapsedTimer m_elapsed;
-    QPointer<class_ymodem> m_sender;
 };

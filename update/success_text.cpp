@@ -2,8 +2,8 @@
 
 #include <QObject>
 
-QString updateSuccessText(qint64 elapsedMs)
+QString updateSuccessText(std::chrono::milliseconds elapsed)
 {
-    return QObject::tr("更新成功,用时：") +
-           QString::asprintf("%lld.%lld秒", elapsedMs / 1000, elapsedMs % 1000);
+    const qint64 ms = elapsed.count();
+    return QObject::tr("更新成功,用时：") + QString::asprintf("%lld.%lld秒", ms / 1000, ms % 1000);
 }

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <chrono>
+
 /// What the result line says of an update that took that long: seconds, a point and the rest in milliseconds without
 /// leading zeros.
-QString updateSuccessText(qint64 elapsedMs);
+QString updateSuccessText(std::chrono::milliseconds elapsed);

@@ -342,8 +342,8 @@ void tst_update_tab::shortResetOnTheSerialLineStaysAsTyped()
 
 void tst_update_tab::timeOfASuccess()
 {
-    QCOMPARE(updateSuccessText(5007), QStringLiteral("更新成功,用时：5.7秒"));
-    QCOMPARE(updateSuccessText(5070), QStringLiteral("更新成功,用时：5.70秒"));
+    QCOMPARE(updateSuccessText(std::chrono::milliseconds(5007)), QStringLiteral("更新成功,用时：5.7秒"));
+    QCOMPARE(updateSuccessText(std::chrono::milliseconds(5070)), QStringLiteral("更新成功,用时：5.70秒"));
 }
 
 void tst_update_tab::inEnglish()
