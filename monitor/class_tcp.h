@@ -6,8 +6,8 @@
 
 class QTcpSocket;
 
-/// The connection to a plotting tool. Records go out whole or not at all: a peer that stops reading makes us leave records
-/// out rather than grow without bound. GUI thread only.
+/// The connection to a plotting tool. Records go out whole or not at all: a peer that stops reading makes us
+/// leave records out rather than grow without bound. GUI thread only.
 class class_tcp : public QObject
 {
     Q_OBJECT
@@ -17,8 +17,8 @@ public:
 
     bool isConnected() const { return connected; }
 
-    /// Blocks for half a second at most. Success comes as si_connected(), a failure without a word. The address is one
-    /// in numbers; any other text is a failure.
+    /// Blocks for half a second at most. Success comes as si_connected(), a failure without a word. The
+    /// address is one in numbers; any other text is a failure.
     void connectToHost(const QString &address, quint16 port);
     void disconnectFromHost();
     /// One record, sent at once so that the peer sees it singly. Call only while connected.

@@ -4,61 +4,35 @@
 
 #include "app/class_settings.h"
 #include "engine/fingerThread.h"
+#include "monitor/PanelArea.h"
+#include "monitor/PlotOutput.h"
 #include "monitor/folder_opener.h"
+#include "panel/fingerForm.h"
 #include "panel/recording_folder.h"
 
 #include <QCoreApplication>
-#include <QHeaderView>
-#include <QHelpEvent>
-#include <QMdiArea>
-#include <QMdiSubWindow>
 #include <QProcess>
-#include <QSplitter>
-#include <QStyledItemDelegate>
-#include <QToolTip>
-#include <QTreeWidget>
+#include <QRegExpValidator>
 
 #include <array>
 #include <chrono>
 
 namespace {
 
-constexpr int kBusCount = 6;
 constexpr int kDefaultInterface = 1;
-constexpr int kTreeIndentation = 14;
-constexpr int kTreeWidth = 100;
-constexpr int kAreaWidth = 400;
 /// Lets the device settle between two interfaces.
-constexpr std::chrono::milliseconds kRestartMs{500};
+constexpr std::chrono::milliseconds kRestartDelay{500};
 
 constexpr const char *kLanguageKey = "language";
 constexpr const char *kLanguageFile = "config";
 /// Stored names of the languages, in the order of the box.
 constexpr std::array<const char *, 2> kLanguages = {"zh_cn", "en"};
 
-/// Says in a tool tip what the tree is too narrow to show.
-class TreeItemDelegate : public QStyledItemDelegate
-{
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-
-    bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
-                   const QModelIndex &index) override
-    {
-        const QRect place = view->visualRect(index);
-        const int end = place.left() + sizeHint(option, index).width();
-        const bool fits = place.left() >= 0 && end <= view->viewport()->width();
-        QToolTip::showText(event->globalPos(), fits ? QString() : index.data().toString(), view->viewport(),
-                           place);
-        return true;
-    }
-};
-
 } // namespace
 
 tactViewForm::tactViewForm(QWidget *parent)
     : QWidget(parent)
-    , ui(new Ui::tactViewForm)
+    , ui(std::make_unique<Ui::tactViewForm>())
     , m_startProcess([](const QString &program) { return QProcess::startDetached(program, {}); })
 {
     ui->setupUi(this);
@@ -71,8 +45,7 @@ tactViewForm::~tactViewForm()
 {
     stop();
     // Signals of the panels lead here, so the panels go while everything is still here.
-    delete splitter;
-    delete ui;
+    delete m_area;
 }
 
 void tactViewForm::hideWhatIsNotOffered()
@@ -88,52 +61,44 @@ void tactViewForm::init()
     ui->cbbSensorInf->setCurrentIndex(kDefaultInterface);
     tcpInit();
     registerSensorTypes();
-    wireControls();
     thread = new QThread(this);
-    buildWorkArea();
-    sensorTreeInit();
+    m_area = new PanelArea([this](uint8_t infIdx, uint8_t addr) { return newPanel(infIdx, addr); }, this);
+    ui->lyWorkArea->addWidget(m_area);
+    wireControls();
 }
 
 void tactViewForm::wireControls()
 {
     m_restart.setSingleShot(true);
-    m_restart.setInterval(kRestartMs);
+    m_restart.setInterval(kRestartDelay);
     connect(&m_restart, &QTimer::timeout, this, &tactViewForm::start);
     connect(ui->pbtnCh341Connect, &QPushButton::clicked, this, &tactViewForm::connectOrDisconnect);
     connect(ui->cbbSensorInf, QOverload<int>::of(&QComboBox::currentIndexChanged), this,
             &tactViewForm::changeInterface);
     connect(ui->pbtnOpenSaveDir, &QPushButton::clicked, this, [] { openFolder(recordingFolder()); });
-    connect(ui->chkbtnMdiMode, &QCheckBox::clicked, this, &tactViewForm::setMultiWindow);
+    connect(ui->chkbtnMdiMode, &QCheckBox::clicked, m_area, &PanelArea::setMultiWindow);
     connect(ui->spbReadIntTime, QOverload<int>::of(&QSpinBox::valueChanged), this,
             [this](int ms) { Q_EMIT si_setReadIntTime(static_cast<unsigned short>(ms)); });
 }
 
-void tactViewForm::buildWorkArea()
+void tactViewForm::tcpInit()
 {
-    splitter = new QSplitter(Qt::Horizontal, this);
-    tree = new QTreeWidget(splitter);
-    tree->setHeaderHidden(true);
-    tree->setIndentation(kTreeIndentation);
-    tree->setItemDelegate(new TreeItemDelegate(tree));
-    tree->header()->setStretchLastSection(false);
-    mdi = new QMdiArea(splitter);
-    mdi->setViewMode(QMdiArea::TabbedView);
-    mdi->setTabsClosable(false);
-    mdi->setDocumentMode(true);
-    splitter->setSizes({kTreeWidth, kAreaWidth});
-    splitter->setStretchFactor(1, 1);
-    splitter->setChildrenCollapsible(false);
-    ui->lyWorkArea->addWidget(splitter);
-    connect(tree, &QTreeWidget::itemClicked, this, &tactViewForm::showSensorOf);
-    const auto fitTree = [this] { tree->resizeColumnToContents(0); };
-    connect(tree, &QTreeWidget::expanded, this, fitTree);
-    connect(tree, &QTreeWidget::collapsed, this, fitTree);
+    m_plot = new PlotOutput(this);
+    ui->leServiceAddr->setText(PlotOutput::storedAddress());
+    ui->spbServicePort->setValue(PlotOutput::storedPort());
+    const QRegExp dottedQuad(QStringLiteral("\\b(?:(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\\.){3}"
+                                            "(?:25[0-5]|2[0-4][0-9]|[01]?[0-9][0-9]?)\\b"));
+    ui->leServiceAddr->setValidator(new QRegExpValidator(dottedQuad, ui->leServiceAddr));
+    connect(m_plot, &PlotOutput::connectedChanged, this, [this](bool connected) {
+        ui->pbtnServiceConnect->setText(connected ? QObject::tr("断开") : QObject::tr("连接"));
+    });
+    connect(ui->pbtnServiceConnect, &QPushButton::clicked, m_plot,
+            [this] { m_plot->connectOrDisconnect(ui->leServiceAddr->text(), ui->spbServicePort->value()); });
 }
 
-void tactViewForm::sensorTreeInit()
+void tactViewForm::tcpSend()
 {
-    for (int i = 1; i <= kBusCount; ++i)
-        tree->addTopLevelItem(new QTreeWidgetItem({QObject::tr("接口") + QString::number(i)}));
+    m_plot->send(static_cast<TcpFormat>(ui->cbbTcpDataFormat->currentIndex()), m_area->activeDecoder());
 }
 
 void tactViewForm::start()
@@ -180,9 +145,9 @@ void tactViewForm::wireWorker()
     onPresentWorker(&fingerThread::si_ch341ListUpdate,
                     [this](const QVector<QString> &names) { showDevices(names); });
     onPresentWorker(&fingerThread::si_connectedSensor,
-                    [this](const sensor_ts &sensor) { addSensor(sensor); });
+                    [this](const sensor_ts &sensor) { m_area->addSensor(sensor); });
     // Heard of a stopped worker too: this is how its panels go.
-    connect(worker, &fingerThread::si_disconnectedSensor, this, &tactViewForm::removeSensor);
+    connect(worker, &fingerThread::si_disconnectedSensor, m_area, &PanelArea::removeSensor);
     onPresentWorker(&fingerThread::si_exit, [this] { showConnected(false); });
 }
 
@@ -249,16 +214,16 @@ void tactViewForm::changeInterface()
     m_restart.start();
 }
 
-void tactViewForm::setMultiWindow(bool multiWindow)
+fingerForm *tactViewForm::newPanel(uint8_t infIdx, uint8_t addr)
 {
-    mdi->setViewMode(multiWindow ? QMdiArea::SubWindowView : QMdiArea::TabbedView);
-    if (multiWindow)
-        tileToFullHeight();
-}
-
-void tactViewForm::tileToFullHeight()
-{
-    mdi->tileSubWindows();
-    for (QMdiSubWindow *window : mdi->subWindowList())
-        window->setGeometry(window->x(), window->y(), window->width(), mdi->height());
+    if (!worker)
+        return nullptr;
+    auto *panel = new fingerForm(infIdx, addr, this);
+    connect(panel, &fingerForm::si_cmdReq1, worker, &fingerThread::sl_cmdReq1);
+    connect(panel, &fingerForm::si_sendDataStrList, this, &tactViewForm::tcpSend);
+    connect(worker, &fingerThread::si_updateData1, panel, &fingerForm::sl_updateData);
+    connect(worker, &fingerThread::si_setHz1, panel, &fingerForm::sl_setHz);
+    connect(worker, &fingerThread::si_cmdRsp1, panel, &fingerForm::sl_cmdRsp);
+    connect(worker, &fingerThread::si_cmdRspErr1, panel, &fingerForm::sl_cmdRspErr);
+    return panel;
 }

@@ -1,33 +1,28 @@
 #pragma once
 
-#include "engine/sensor_ts.h"
-
-#include <QList>
 #include <QThread>
 #include <QTimer>
 #include <QVector>
 #include <QWidget>
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 
-class class_finger;
-class class_tcp;
+class PanelArea;
+class PlotOutput;
 class fingerForm;
 class fingerThread;
-class QMdiArea;
-class QMdiSubWindow;
-class QSplitter;
-class QTreeWidget;
-class QTreeWidgetItem;
 
 namespace Ui {
 class tactViewForm;
 }
 
-/// The first tab: the worker of the chosen interface, the tree of its buses and sensors, and a panel for each sensor.
+/// The first tab: the worker of the chosen interface, the tree of its buses and sensors, and a panel for each
+/// sensor.
 ///
-/// Running means that a worker exists and its thread runs. The panels of sensors that a stopping worker gives up go
-/// when their signals are delivered, after stop() has returned. GUI thread only.
+/// Running means that a worker exists and its thread runs. The panels of sensors that a stopping worker gives
+/// up go when their signals are delivered, after stop() has returned. GUI thread only.
 class tactViewForm : public QWidget
 {
     Q_OBJECT
@@ -58,8 +53,9 @@ private:
     void hideWhatIsNotOffered();
     void init();
     void wireControls();
-    void buildWorkArea();
-    void sensorTreeInit();
+    void tcpInit();
+    void tcpSend();
+    fingerForm *newPanel(uint8_t infIdx, uint8_t addr);
 
     void wireWorker();
     void wireThread();
@@ -71,34 +67,15 @@ private:
     void changeLanguage(int index);
     void connectOrDisconnect();
     void changeInterface();
-    void setMultiWindow(bool multiWindow);
-    void tileToFullHeight();
 
-    void addSensor(const sensor_ts &sensor);
-    void addTreeItem(const sensor_ts &sensor);
-    fingerForm *newPanel(uint8_t infIdx, uint8_t addr);
-    void removeSensor(const sensor_ts &sensor);
-    void removeTreeItem(const sensor_ts &sensor);
-    void removeSubWindow(QMdiSubWindow *window);
-    void showSensorOf(QTreeWidgetItem *item);
-    void refillSubWindow(QMdiSubWindow *window, uint8_t infIdx, uint8_t addr);
-    QMdiSubWindow *findSubWindow(const QString &name) const;
-
-    void tcpInit();
-    void connectOrDisconnectTcp();
-    void tcpSend();
-    void followActivePanel();
-
-    Ui::tactViewForm *ui;
-    class_tcp *tcp = nullptr;
+    std::unique_ptr<Ui::tactViewForm> ui;
+    PlotOutput *m_plot = nullptr;
     QThread *thread = nullptr;
-    QList<sensor_ts> sensorList; ///< same order as the sub-windows
     fingerThread *worker = nullptr;
-    QSplitter *splitter = nullptr;
-    QTreeWidget *tree = nullptr;
-    QMdiArea *mdi = nullptr;
+    PanelArea *m_area = nullptr;
     QTimer m_restart; ///< start after a change of interface
-    /// Counts starts and stops. A queued signal of a worker that is gone may still arrive, and a new worker may have its address.
+    /// Counts starts and stops. A queued signal of a worker that is gone may still arrive, and a new worker
+    /// may have its address.
     unsigned int m_run = 0;
     ProcessStarter m_startProcess;
 };

@@ -29,8 +29,8 @@ struct UpdatePlan
     std::function<FirmwareFile()> load;
 };
 
-/// Brings an image into a sensor over a link that is open: reset into the boot loader, transfer, result. One update at a
-/// time. Transfers of the link block the thread.
+/// Brings an image into a sensor over a link that is open: reset into the boot loader, transfer, result. One
+/// update at a time. Transfers of the link block the thread.
 class UpdateJob : public QObject
 {
     Q_OBJECT

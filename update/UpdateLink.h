@@ -9,8 +9,8 @@
 #include <functional>
 #include <memory>
 
-/// The link of the interface that is chosen on the page, or none. Without one everything is a failure: nothing is written,
-/// and a read brings nothing. What is read and written stands in the log.
+/// The link of the interface that is chosen on the page, or none. Without one everything is a failure:
+/// nothing is written, and a read brings nothing. What is read and written stands in the log.
 class UpdateLink
 {
 public:
@@ -28,7 +28,8 @@ public:
     /// False when the multiplexer does not confirm them.
     bool selectChannels(uint8_t mask);
 
-    /// On the serial line address and length mean nothing: the whole frame is written, and all that has come is read.
+    /// On the serial line address and length mean nothing: the whole frame is written, and all that has come
+    /// is read.
     void write(uint8_t address, const QByteArray &frame, uint16_t length);
     void read(uint8_t address, QByteArray &received, uint16_t length);
 

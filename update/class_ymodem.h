@@ -7,9 +7,9 @@
 
 #include <cstdint>
 
-/// Sends one image to a sensor's boot loader. It owns no link: its owner answers si_read and si_write, and deletes it
-/// after one of the three signals that end a transfer, never inside a signal. The receiver is polled: it never pushes.
-/// Lives in one thread. Two at a time would share their count of missed polls.
+/// Sends one image to a sensor's boot loader. It owns no link: its owner answers si_read and si_write, and
+/// deletes it after one of the three signals that end a transfer, never inside a signal. The receiver is
+/// polled: it never pushes. Lives in one thread. Two at a time would share their count of missed polls.
 class class_ymodem : public QObject
 {
     Q_OBJECT

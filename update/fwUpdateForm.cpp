@@ -136,7 +136,8 @@ void fwUpdateForm::initJob()
 
 void fwUpdateForm::selectFile()
 {
-    // The patterns in parentheses are for dialogs that do not split at ';'; the user sees what stands before them.
+    // The patterns in parentheses are for dialogs that do not split at ';'; the user sees what stands before
+    // them.
     const QString path = QFileDialog::getOpenFileName(
         this, QObject::tr("选择app文件"), class_settings::get(filePathKey()),
         QStringLiteral("*.bin;*.hex (*.bin *.hex)"), nullptr, QFileDialog::HideNameFilterDetails);

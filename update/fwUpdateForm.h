@@ -16,11 +16,13 @@ namespace Ui {
 class fwUpdateForm;
 }
 
-/// The firmware page of the main window: leads one update from the choice of interface, image and reset command to the
-/// result line. It owns its links and lives in the user interface thread; the transfers of a link block that thread.
+/// The firmware page of the main window: leads one update from the choice of interface, image and reset
+/// command to the result line. It owns its links and lives in the user interface thread; the transfers of a
+/// link block that thread.
 ///
-/// The text of the start button is the page's only state of being busy. A transfer that still runs when its link is gone,
-/// because the page was left or the interface changed, reads nothing and so ends by its own guard.
+/// The text of the start button is the page's only state of being busy. A transfer that still runs when its
+/// link is gone, because the page was left or the interface changed, reads nothing and so ends by its own
+/// guard.
 class fwUpdateForm : public QWidget
 {
     Q_OBJECT
@@ -31,18 +33,18 @@ public:
 
     /// Builds up the interface that is chosen on the page. Called when the page is entered.
     void start();
-    /// Gives all links back, without a word to a running transfer. Called when the page is left; safe on a page that
-    /// never started.
+    /// Gives all links back, without a word to a running transfer. Called when the page is left; safe on a
+    /// page that never started.
     void stop();
 
-    /// Appends the bare file name to *name and what is to be sent to *image; merge masks it. 0 on success, -1 when the
-    /// file is missing, -2 when it cannot be read, -3 when there is nothing in it to send.
+    /// Appends the bare file name to *name and what is to be sent to *image; merge masks it. 0 on success, -1
+    /// when the file is missing, -2 when it cannot be read, -3 when there is nothing in it to send.
     int loadAppFile(QString path, bool merge, QString *name, QByteArray *image);
     /// Path of the image as it stands on the page.
     QString getFile() const;
 
-    /// Both act on the chosen interface, see UpdateLink. A read from a bridge that fails gives zeros or 0xFF; wait has no
-    /// effect.
+    /// Both act on the chosen interface, see UpdateLink. A read from a bridge that fails gives zeros or 0xFF;
+    /// wait has no effect.
     void sensorWrite(uint8_t addr, QByteArray frame, uint16_t len);
     void sensorRead(uint8_t addr, QByteArray *out, uint16_t len, uint16_t wait);
 
