@@ -39,341 +39,300 @@ class tst_update_tab : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
+    void initTestCase()
+    {
+        QStandardPaths::setTestModeEnabled(true);
+        Q_INIT_RESOURCE(translations);
+    }
+    void init()
+    {
+        m_log = std::make_unique<LogCapture>();
+        class_settings::set(QStringLiteral("UPDATE/FILE_PATH"), QString());
+    }
     void cleanup() { m_log.reset(); }
-    void boxesFollowTheInterface();
-    void boardIsRememberedWhileABridgeIsChosen();
-    void resetFieldsFollowTheChoice();
-    void fileIsChosenInADialog();
-    void loadResults();
-    void refusals();
-    void noDevice();
-    void multiplexerFails();
-    void speedOneLowerWhenChangedWhileOpen();
-    void doubleClickStartsAndGoesOn();
-    void resetCommands();
-    void shortResetOnTheSerialLineStaysAsTyped();
-    void timeOfASuccess();
-    void inEnglish();
+    void boxesFollowTheInterface()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QCOMPARE(joined(tab.version), QStringLiteral("加密 不加密"));
+        QCOMPARE(joined(tab.reset), QStringLiteral("默认 定制 无"));
+        QCOMPARE(tab.board->currentIndex(), 1);
+        tab.form.show();
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        QCOMPARE(items(tab.devices), QStringList{QStringLiteral("5002")});
+        QCOMPARE(joined(tab.speed), QStringLiteral("100k 400k"));
+        QVERIFY(!tab.board->isEditable() && tab.speed->isVisible());
+        bench.usb.unplug(bench.ch341);
+        QTRY_COMPARE(tab.devices->count(), 0);
+
+        tab.ch347->click();
+        QTRY_COMPARE(items(tab.devices), QStringList{QStringLiteral("7001")});
+
+        tab.uart->click();
+        QVERIFY(tab.devices->findText(bench.line.portName()) >= 0);
+        QCOMPARE(joined(tab.board), QStringLiteral("115200 460800 921600"));
+        QVERIFY(tab.board->isEditable() && tab.address->isVisible() && !tab.speed->isVisible());
+
+        tab.ch341->click();
+        QCOMPARE(tab.devices->count(), 0);
+        QCOMPARE(items(tab.board), kBoards);
+        QVERIFY(!tab.board->isEditable() && !tab.speed->isVisible()); // it stays hidden
+    }
+    void boardIsRememberedWhileABridgeIsChosen()
+    {
+        UpdateTab tab;
+        tab.form.stop(); // of a page that never started
+        tab.form.start();
+        QCOMPARE(tab.board->currentIndex(), 1);
+        tab.board->setCurrentIndex(7);
+        tab.form.stop();
+        tab.form.start();
+        QCOMPARE(tab.board->currentIndex(), 7);
+        tab.uart->click();
+        tab.board->setCurrentIndex(2);
+        tab.form.stop();
+        tab.form.start();
+        QVERIFY(tab.uart->isChecked());
+        tab.ch347->click();
+        QCOMPARE(tab.board->currentIndex(), 7);
+
+        UpdateTab neverStopped;
+        neverStopped.form.start();
+        QCOMPARE(neverStopped.board->currentIndex(), 0);
+    }
+    void resetFieldsFollowTheChoice()
+    {
+        UpdateTab tab;
+        const auto enabled = [&tab](int choice) {
+            tab.reset->setCurrentIndex(choice);
+            return std::make_pair(tab.resetAddress->isEnabled(), tab.resetText->isEnabled());
+        };
+        QCOMPARE(enabled(1), std::make_pair(true, true));
+        QCOMPARE(enabled(2), std::make_pair(false, false));
+        QCOMPARE(enabled(0), std::make_pair(true, false));
+        tab.reset->setCurrentIndex(1);
+        QTest::keyClicks(tab.resetText, QStringLiteral("aG5 x5Z"));
+        QCOMPARE(tab.resetText->text(), QStringLiteral("a55"));
+    }
+    void fileIsChosenInADialog()
+    {
+        QTemporaryDir folder;
+        QFile file(folder.filePath(QStringLiteral("new.bin")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        UpdateTab tab;
+        tab.path->setText(folder.filePath(QStringLiteral("old.bin")));
+        QTimer::singleShot(0, &tab.form, [&] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            QVERIFY(dialog != nullptr);
+            QCOMPARE(dialog->windowTitle(), QStringLiteral("选择app文件"));
+            QCOMPARE(dialog->directory().canonicalPath(), QDir(folder.path()).canonicalPath());
+            QVERIFY(dialog->selectedNameFilter().startsWith(QLatin1String("*.bin;*.hex")));
+            dialog->selectFile(file.fileName());
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        tab.child<QPushButton>("pbtnUpdateFileSelect")->click();
+        QCOMPARE(tab.path->text(), QDir::toNativeSeparators(file.fileName()));
+        QCOMPARE(class_settings::get(QStringLiteral("UPDATE/FILE_PATH")), tab.path->text());
+        QCOMPARE(UpdateTab().form.getFile(), tab.path->text());
+    }
+    void loadResults()
+    {
+        QTemporaryDir folder;
+        QFile(folder.filePath(QStringLiteral("empty.bin"))).open(QIODevice::WriteOnly);
+        UpdateTab tab;
+        const auto load = [&](const char *fileName) {
+            QString name;
+            QByteArray image;
+            return tab.form.loadAppFile(folder.filePath(QLatin1String(fileName)), false, &name, &image);
+        };
+        QCOMPARE(load("none.bin"), -1);
+        QCOMPARE(tab.result->text(), QString());
+        QCOMPARE(load("."), -2);
+        QCOMPARE(tab.result->text(), QStringLiteral("文件打开失败"));
+        QCOMPARE(load("empty.bin"), -3);
+        QCOMPARE(tab.result->text(), QStringLiteral("用户程序文件为空文件"));
+    }
+
+    void refusals()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        for (const Road road : {Road::Ch341, Road::Uart}) {
+            QVERIFY(tab.enter(bench, road));
+            for (const char *file : {"/no/such/file.bin", "/", ""}) {
+                tab.path->setText(QLatin1String(file));
+                QVERIFY(tab.runToEnd());
+                QCOMPARE(tab.result->text(), QStringLiteral("文件加载失败"));
+                QVERIFY(!bench.ch341->isOpen());
+            }
+        }
+        // The reset went out each time before the file was looked at.
+        QCOMPARE(bench.writes(Road::Ch341, UpdateBench::kAddress).size(), 3);
+    }
+    void noDevice()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        const auto pressed = [&tab] {
+            tab.start->click();
+            return tab.isBusy() ? QStringLiteral("busy") : tab.result->text();
+        };
+        const QString none = QStringLiteral("通信接口未选择");
+        const QString refused = QStringLiteral("通信接口打开失败");
+        QCOMPARE(pressed(), none); // a page without any link
+        tab.form.start();
+        QCOMPARE(pressed(), none); // the list has not come yet
+        QVERIFY(tab.enter(bench, Road::Uart));
+        tab.board->setEditText(QString());
+        QCOMPARE(pressed(), none);
+        tab.board->setEditText(QStringLiteral("115200"));
+        // Not the port of a line that is gone: its name soon belongs to somebody else.
+        tab.devices->setItemText(tab.devices->currentIndex(), QStringLiteral("/no/such/port"));
+        QCOMPARE(pressed(), refused);
+        tab.ch347->click();
+        QTRY_COMPARE(tab.devices->count(), 1);
+        bench.usb.unplug(bench.ch347);
+        QCOMPARE(pressed(), refused);
+    }
+
+    void multiplexerFails()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        for (const Road road : {Road::Ch341, Road::Ch347}) {
+            QVERIFY(tab.enter(bench, road));
+            tab.chooseFile("U");
+            bench.bridge(road).bus().setMultiplexerDead(true);
+            tab.start->click();
+            QCOMPARE(tab.result->text(), QStringLiteral("IIC总线芯片(PCA9548)设置失败"));
+            QCOMPARE(tab.start->text(), QStringLiteral("开始"));
+            QVERIFY(m_log->contains(QStringLiteral("state:ff")));
+            QVERIFY(!bench.bridge(road).isOpen());
+            bench.bridge(road).bus().setMultiplexerDead(false);
+            QVERIFY(tab.runToEnd());
+            QVERIFY(tab.result->text().startsWith(QStringLiteral("更新成功")));
+        }
+    }
+    void speedOneLowerWhenChangedWhileOpen()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        tab.reset->setCurrentIndex(2);
+        tab.chooseFile(testImage(5000));
+        const auto runsAt = [&](int khz) {
+            constexpr int kBytes = 100;
+            const std::chrono::nanoseconds before = bench.ch341Bus->busTime();
+            QByteArray received;
+            tab.form.sensorRead(UpdateBench::kAddress, &received, kBytes, 0);
+            const std::chrono::duration<double, std::milli> took = bench.ch341Bus->busTime() - before;
+            const double measured = (kBytes + 1) * 9 / took.count();
+            return measured > khz * 0.8 && measured < khz * 1.1;
+        };
+        tab.speed->setCurrentIndex(1);
+        tab.start->click();
+        QVERIFY(runsAt(400));
+        tab.speed->setCurrentIndex(0);
+        QVERIFY(runsAt(20));
+        tab.speed->setCurrentIndex(1);
+        QVERIFY(runsAt(100));
+        tab.start->click();
+        tab.speed->setCurrentIndex(0);
+        tab.start->click();
+        QVERIFY(runsAt(100));
+        tab.start->click();
+    }
+    void doubleClickStartsAndGoesOn()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        tab.chooseFile(testImage(5000));
+        QTest::mouseClick(tab.start, Qt::LeftButton);
+        QTest::mouseDClick(tab.start, Qt::LeftButton);
+        QTest::mouseRelease(tab.start, Qt::LeftButton);
+        QCOMPARE(tab.start->text(), QStringLiteral("停止"));
+        QTest::mouseClick(tab.start, Qt::LeftButton);
+        QCOMPARE(tab.start->text(), QStringLiteral("开始"));
+        QTRY_COMPARE(tab.result->text(), QStringLiteral("更新取消"));
+    }
+    void resetCommands()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch347));
+        tab.path->clear(); // so that nothing but the reset goes out
+        QStringList sent;
+        const auto check = [&](int choice, const char *text, const char *expected) {
+            tab.resetText->setText(QLatin1String(text));
+            tab.reset->setCurrentIndex(choice);
+            QVERIFY(tab.runToEnd());
+            if (*expected != '\0')
+                sent.append(QLatin1String(expected));
+            QCOMPARE(bench.writes(Road::Ch347, UpdateBench::kAddress), sent);
+        };
+        check(0, "1122", "aa5500a10000000000a001");
+        check(2, "1122", "");
+        QVERIFY(m_log->lines().filter(QStringLiteral("reset cmd:")).isEmpty());
+        check(1, "1122", "1122");
+        check(1, "AbC", "ab0c");
+        check(1, "", "");
+        QCOMPARE(m_log->lines().filter(QStringLiteral("reset cmd:")).size(), 3);
+    }
+    void shortResetOnTheSerialLineStaysAsTyped()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Uart));
+        tab.reset->setCurrentIndex(1);
+        tab.path->clear();
+        tab.resetText->setText(QStringLiteral("AA5500A1000000000000"));
+        QVERIFY(tab.runToEnd());
+        tab.resetText->setText(QStringLiteral("AA5500A101000000000000FF"));
+        QVERIFY(tab.runToEnd());
+        QVERIFY(m_log->count(QStringLiteral("10")) == 4);
+        QVERIFY(m_log->count(QStringLiteral("12")) == 4);
+        const auto requests = bench.line.journal().records(SimRecord::Kind::Request);
+        QVERIFY(!requests.empty());
+        QCOMPARE(requests.back().bytes.toHex(), QByteArray("aa5505a10100000000a601"));
+    }
+    void timeOfASuccess()
+    {
+        QCOMPARE(updateSuccessText(std::chrono::milliseconds(5007)), QStringLiteral("更新成功,用时：5.7秒"));
+        QCOMPARE(updateSuccessText(std::chrono::milliseconds(5070)), QStringLiteral("更新成功,用时：5.70秒"));
+    }
+    void inEnglish()
+    {
+        QTranslator english;
+        QVERIFY(english.load(QStringLiteral(":/en.qm")));
+        QVERIFY(QCoreApplication::installTranslator(&english));
+        UpdateBench bench;
+        UpdateTab tab;
+        QCOMPARE(joined(tab.version), QStringLiteral("Encrypt Normal"));
+        QCOMPARE(joined(tab.reset), QStringLiteral("Default Custom No"));
+        QStringList boards{QStringLiteral("None"),    QStringLiteral("Board-1"), QStringLiteral("Board-2"),
+                           QStringLiteral("Board-3"), QStringLiteral("Board-4"), QStringLiteral("Board-5")};
+        QCOMPARE(items(tab.board), boards + kBoards.mid(6));
+        tab.start->click();
+        QCOMPARE(tab.result->text(), QStringLiteral("Port err"));
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        tab.path->clear();
+        tab.start->click();
+        QCOMPARE(tab.result->text(), QStringLiteral("Load file err"));
+        tab.chooseFile("U");
+        tab.start->click();
+        QCOMPARE(tab.start->text(), QStringLiteral("Stop"));
+        QCOMPARE(tab.result->text(), QStringLiteral("Start download"));
+        QTRY_COMPARE(tab.start->text(), QStringLiteral("Start"));
+        QVERIFY2(tab.result->text().startsWith(QStringLiteral("Success, time:0.")),
+                 qPrintable(tab.result->text()));
+        QVERIFY(tab.result->text().endsWith(QStringLiteral("秒")));
+        QCoreApplication::removeTranslator(&english);
+    }
 
 private:
     std::unique_ptr<LogCapture> m_log;
 };
-
-void tst_update_tab::initTestCase()
-{
-    QStandardPaths::setTestModeEnabled(true);
-    Q_INIT_RESOURCE(translations);
-}
-
-void tst_update_tab::init()
-{
-    m_log = std::make_unique<LogCapture>();
-    class_settings::set(QStringLiteral("UPDATE/FILE_PATH"), QString());
-}
-
-void tst_update_tab::boxesFollowTheInterface()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QCOMPARE(joined(tab.version), QStringLiteral("加密 不加密"));
-    QCOMPARE(joined(tab.reset), QStringLiteral("默认 定制 无"));
-    QCOMPARE(tab.board->currentIndex(), 1);
-    tab.form.show();
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    QCOMPARE(items(tab.devices), QStringList{QStringLiteral("5002")});
-    QCOMPARE(joined(tab.speed), QStringLiteral("100k 400k"));
-    QVERIFY(!tab.board->isEditable() && tab.speed->isVisible());
-    bench.usb.unplug(bench.ch341);
-    QTRY_COMPARE(tab.devices->count(), 0);
-
-    tab.ch347->click();
-    QTRY_COMPARE(items(tab.devices), QStringList{QStringLiteral("7001")});
-
-    tab.uart->click();
-    QVERIFY(tab.devices->findText(bench.line.portName()) >= 0);
-    QCOMPARE(joined(tab.board), QStringLiteral("115200 460800 921600"));
-    QVERIFY(tab.board->isEditable() && tab.address->isVisible() && !tab.speed->isVisible());
-
-    tab.ch341->click();
-    QCOMPARE(tab.devices->count(), 0);
-    QCOMPARE(items(tab.board), kBoards);
-    QVERIFY(!tab.board->isEditable() && !tab.speed->isVisible()); // it stays hidden
-}
-
-void tst_update_tab::boardIsRememberedWhileABridgeIsChosen()
-{
-    UpdateTab tab;
-    tab.form.stop(); // of a page that never started
-    tab.form.start();
-    QCOMPARE(tab.board->currentIndex(), 1);
-    tab.board->setCurrentIndex(7);
-    tab.form.stop();
-    tab.form.start();
-    QCOMPARE(tab.board->currentIndex(), 7);
-    tab.uart->click();
-    tab.board->setCurrentIndex(2);
-    tab.form.stop();
-    tab.form.start();
-    QVERIFY(tab.uart->isChecked());
-    tab.ch347->click();
-    QCOMPARE(tab.board->currentIndex(), 7);
-
-    UpdateTab neverStopped;
-    neverStopped.form.start();
-    QCOMPARE(neverStopped.board->currentIndex(), 0);
-}
-
-void tst_update_tab::resetFieldsFollowTheChoice()
-{
-    UpdateTab tab;
-    const auto enabled = [&tab](int choice) {
-        tab.reset->setCurrentIndex(choice);
-        return std::make_pair(tab.resetAddress->isEnabled(), tab.resetText->isEnabled());
-    };
-    QCOMPARE(enabled(1), std::make_pair(true, true));
-    QCOMPARE(enabled(2), std::make_pair(false, false));
-    QCOMPARE(enabled(0), std::make_pair(true, false));
-    tab.reset->setCurrentIndex(1);
-    QTest::keyClicks(tab.resetText, QStringLiteral("aG5 x5Z"));
-    QCOMPARE(tab.resetText->text(), QStringLiteral("a55"));
-}
-
-void tst_update_tab::fileIsChosenInADialog()
-{
-    QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("new.bin")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    UpdateTab tab;
-    tab.path->setText(folder.filePath(QStringLiteral("old.bin")));
-    QTimer::singleShot(0, &tab.form, [&] {
-        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        QVERIFY(dialog != nullptr);
-        QCOMPARE(dialog->windowTitle(), QStringLiteral("选择app文件"));
-        QCOMPARE(dialog->directory().canonicalPath(), QDir(folder.path()).canonicalPath());
-        QVERIFY(dialog->selectedNameFilter().startsWith(QLatin1String("*.bin;*.hex")));
-        dialog->selectFile(file.fileName());
-        QMetaObject::invokeMethod(dialog, "accept");
-    });
-    tab.child<QPushButton>("pbtnUpdateFileSelect")->click();
-    QCOMPARE(tab.path->text(), QDir::toNativeSeparators(file.fileName()));
-    QCOMPARE(class_settings::get(QStringLiteral("UPDATE/FILE_PATH")), tab.path->text());
-    QCOMPARE(UpdateTab().form.getFile(), tab.path->text());
-}
-
-void tst_update_tab::loadResults()
-{
-    QTemporaryDir folder;
-    QList<int> codes;
-    const auto load = [&folder, &codes](const char *fileName, const QByteArray &content, const char *text) {
-        const QString path = QDir(folder.path()).absoluteFilePath(QLatin1String(fileName));
-        QFile file(path);
-        if (!content.isNull() && file.open(QIODevice::WriteOnly))
-            file.write(content);
-        file.close();
-        UpdateTab tab;
-        QString name;
-        QByteArray image;
-        const int code = tab.form.loadAppFile(path, false, &name, &image);
-        QCOMPARE(tab.result->text(), QString::fromUtf8(text));
-        QCOMPARE(name, code == 0 ? QLatin1String(fileName) : QString());
-        QCOMPARE(image, code == 0 ? content + QByteArray(8, '\xFF') : QByteArray());
-        codes.append(code);
-    };
-    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("folder.bin")));
-    load("a.bin", "firmware", "");
-    load("none.bin", QByteArray(), "");
-    load("folder.bin", QByteArray(), "文件打开失败");
-    load("empty.bin", "", "用户程序文件为空文件");
-    load("end.hex", ":00000001FF\n", "用户程序文件为空文件");
-    load("bad.HEX", ":0100000041BE\n:0100000041BF\n", "用户程序文件为空文件");
-    QCOMPARE(codes, (QList<int>{0, -1, -2, -3, -3, -3}));
-}
-
-void tst_update_tab::refusals()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    for (const Road road : {Road::Ch341, Road::Uart}) {
-        QVERIFY(tab.enter(bench, road));
-        for (const char *file : {"/no/such/file.bin", "/", ""}) {
-            tab.path->setText(QLatin1String(file));
-            QVERIFY(tab.runToEnd());
-            QCOMPARE(tab.result->text(), QStringLiteral("文件加载失败"));
-            QVERIFY(!bench.ch341->isOpen());
-        }
-    }
-    // The reset went out each time before the file was looked at.
-    QCOMPARE(bench.writes(Road::Ch341, UpdateBench::kAddress).size(), 3);
-}
-
-void tst_update_tab::noDevice()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    tab.start->click(); // a page without any link
-    QCOMPARE(tab.result->text(), QStringLiteral("通信接口未选择"));
-    tab.form.start();
-    tab.start->click(); // the list has not come yet
-    QCOMPARE(tab.result->text(), QStringLiteral("通信接口未选择"));
-    QVERIFY(tab.enter(bench, Road::Uart));
-    tab.board->setEditText(QString());
-    tab.start->click();
-    QCOMPARE(tab.result->text(), QStringLiteral("通信接口未选择"));
-    bench.line.removePort();
-    tab.board->setEditText(QStringLiteral("115200"));
-    tab.start->click();
-    QCOMPARE(tab.result->text(), QStringLiteral("通信接口打开失败"));
-    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-    tab.ch347->click();
-    QTRY_COMPARE(tab.devices->count(), 1);
-    bench.usb.unplug(bench.ch347);
-    tab.start->click();
-    QCOMPARE(tab.result->text(), QStringLiteral("通信接口打开失败"));
-    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-}
-
-void tst_update_tab::multiplexerFails()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    for (const Road road : {Road::Ch341, Road::Ch347}) {
-        QVERIFY(tab.enter(bench, road));
-        tab.chooseFile("U");
-        bench.bridge(road).bus().setMultiplexerDead(true);
-        tab.start->click();
-        QCOMPARE(tab.result->text(), QStringLiteral("IIC总线芯片(PCA9548)设置失败"));
-        QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-        QVERIFY(m_log->contains(QStringLiteral("state:ff")));
-        QVERIFY(!bench.bridge(road).isOpen());
-        bench.bridge(road).bus().setMultiplexerDead(false);
-        QVERIFY(tab.runToEnd());
-        QVERIFY(tab.result->text().startsWith(QStringLiteral("更新成功")));
-    }
-}
-
-void tst_update_tab::speedOneLowerWhenChangedWhileOpen()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    tab.reset->setCurrentIndex(2);
-    tab.chooseFile(testImage(5000));
-    const auto runsAt = [&](int khz) {
-        constexpr int kBytes = 100;
-        const std::chrono::nanoseconds before = bench.ch341Bus->busTime();
-        QByteArray received;
-        tab.form.sensorRead(UpdateBench::kAddress, &received, kBytes, 0);
-        const std::chrono::duration<double, std::milli> took = bench.ch341Bus->busTime() - before;
-        const double measured = (kBytes + 1) * 9 / took.count();
-        return measured > khz * 0.8 && measured < khz * 1.1;
-    };
-    tab.speed->setCurrentIndex(1);
-    tab.start->click();
-    QVERIFY(runsAt(400));
-    tab.speed->setCurrentIndex(0);
-    QVERIFY(runsAt(20));
-    tab.speed->setCurrentIndex(1);
-    QVERIFY(runsAt(100));
-    tab.start->click();
-    tab.speed->setCurrentIndex(0);
-    tab.start->click();
-    QVERIFY(runsAt(100));
-    tab.start->click();
-}
-
-void tst_update_tab::doubleClickStartsAndGoesOn()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    tab.chooseFile(testImage(5000));
-    QTest::mouseClick(tab.start, Qt::LeftButton);
-    QTest::mouseDClick(tab.start, Qt::LeftButton);
-    QTest::mouseRelease(tab.start, Qt::LeftButton);
-    QCOMPARE(tab.start->text(), QStringLiteral("停止"));
-    QTest::mouseClick(tab.start, Qt::LeftButton);
-    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-    QTRY_COMPARE(tab.result->text(), QStringLiteral("更新取消"));
-}
-
-void tst_update_tab::resetCommands()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch347));
-    tab.path->clear(); // so that nothing but the reset goes out
-    QStringList sent;
-    const auto check = [&](int choice, const char *text, const char *expected) {
-        tab.resetText->setText(QLatin1String(text));
-        tab.reset->setCurrentIndex(choice);
-        QVERIFY(tab.runToEnd());
-        if (*expected != '\0')
-            sent.append(QLatin1String(expected));
-        QCOMPARE(bench.writes(Road::Ch347, UpdateBench::kAddress), sent);
-    };
-    check(0, "1122", "aa5500a10000000000a001");
-    check(2, "1122", "");
-    QVERIFY(m_log->lines().filter(QStringLiteral("reset cmd:")).isEmpty());
-    check(1, "1122", "1122");
-    check(1, "AbC", "ab0c");
-    check(1, "", "");
-    QCOMPARE(m_log->lines().filter(QStringLiteral("reset cmd:")).size(), 3);
-}
-
-void tst_update_tab::shortResetOnTheSerialLineStaysAsTyped()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Uart));
-    tab.reset->setCurrentIndex(1);
-    tab.path->clear();
-    tab.resetText->setText(QStringLiteral("AA5500A1000000000000"));
-    QVERIFY(tab.runToEnd());
-    tab.resetText->setText(QStringLiteral("AA5500A101000000000000FF"));
-    QVERIFY(tab.runToEnd());
-    QVERIFY(m_log->count(QStringLiteral("10")) == 4);
-    QVERIFY(m_log->count(QStringLiteral("12")) == 4);
-    const auto requests = bench.line.journal().records(SimRecord::Kind::Request);
-    QVERIFY(!requests.empty());
-    QCOMPARE(requests.back().bytes.toHex(), QByteArray("aa5505a10100000000a601"));
-}
-
-void tst_update_tab::timeOfASuccess()
-{
-    QCOMPARE(updateSuccessText(std::chrono::milliseconds(5007)), QStringLiteral("更新成功,用时：5.7秒"));
-    QCOMPARE(updateSuccessText(std::chrono::milliseconds(5070)), QStringLiteral("更新成功,用时：5.70秒"));
-}
-
-void tst_update_tab::inEnglish()
-{
-    QTranslator english;
-    QVERIFY(english.load(QStringLiteral(":/en.qm")));
-    QVERIFY(QCoreApplication::installTranslator(&english));
-    UpdateBench bench;
-    UpdateTab tab;
-    QCOMPARE(joined(tab.version), QStringLiteral("Encrypt Normal"));
-    QCOMPARE(joined(tab.reset), QStringLiteral("Default Custom No"));
-    QStringList boards{QStringLiteral("None"),    QStringLiteral("Board-1"), QStringLiteral("Board-2"),
-                       QStringLiteral("Board-3"), QStringLiteral("Board-4"), QStringLiteral("Board-5")};
-    QCOMPARE(items(tab.board), boards + kBoards.mid(6));
-    tab.start->click();
-    QCOMPARE(tab.result->text(), QStringLiteral("Port err"));
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    tab.path->clear();
-    tab.start->click();
-    QCOMPARE(tab.result->text(), QStringLiteral("Load file err"));
-    tab.chooseFile("U");
-    tab.start->click();
-    QCOMPARE(tab.start->text(), QStringLiteral("Stop"));
-    QCOMPARE(tab.result->text(), QStringLiteral("Start download"));
-    QTRY_COMPARE(tab.start->text(), QStringLiteral("Start"));
-    QVERIFY2(tab.result->text().startsWith(QStringLiteral("Success, time:0.")),
-             qPrintable(tab.result->text()));
-    QVERIFY(tab.result->text().endsWith(QStringLiteral("秒")));
-    QCoreApplication::removeTranslator(&english);
-}
 
 QTEST_MAIN(tst_update_tab)
 #include "tst_update_tab.moc"

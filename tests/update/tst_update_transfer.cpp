@@ -29,278 +29,229 @@ private Q_SLOTS:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void init() { m_log = std::make_unique<LogCapture>(); }
     void cleanup() { m_log.reset(); }
-    void images_data();
-    void images();
-    void resetOnTheSerialLine();
-    void maskedHexFileWithoutMultiplexer();
-    void ended_data();
-    void ended();
-    void cableIsPulled();
-    void portGoesAway();
-    void brokenOffByTheUser_data();
-    void brokenOffByTheUser();
-    void startedAgainRightAfterACancel();
-    void formDiesInTheMiddle();
+    void everyRoad()
+    {
+        for (const auto &[road, size] :
+             {std::pair(Road::Ch341, 129), std::pair(Road::Ch347, 1000), std::pair(Road::Uart, 1000)}) {
+            UpdateBench bench;
+            UpdateTab tab;
+            QSignalSpy successes(&tab.form, &fwUpdateForm::si_updateSuccess);
+            checkNextTry(bench, tab, road, size);
+            QCOMPARE(successes.count(), 1);
+            QCOMPARE(tab.progress->value(), 100);
+            QCOMPARE(bench.loader(road).imageName(), QByteArray("app.bin"));
+            if (road == Road::Uart)
+                continue;
+            // Deselected at the opening, selected, deselected at the end.
+            QCOMPARE(bench.writes(road, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 10 00"));
+            QVERIFY(m_log->contains(QStringLiteral("write:11--aa5500a10000000000a001")));
+            QVERIFY(m_log->contains(QStringLiteral("read:1--43")));
+            m_log->clear();
+        }
+    }
+
+    void resetOnTheSerialLine()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Uart));
+        tab.resetAddress->setValue(0x61);
+        SimSettings settings = bench.serialSensor->settings();
+        settings.address = 0x61;
+        bench.serialSensor->setSettings(settings);
+        tab.chooseFile(testImage(100));
+        QVERIFY(tab.runToEnd());
+        QVERIFY(bench.serialSensor->bootLoader().image() == testImage(100));
+        QStringList rates;
+        for (const QString &line : m_log->lines()) {
+            if (line.startsWith(QLatin1String("set ")) || line == QLatin1String("11"))
+                rates.append(line);
+        }
+        QCOMPARE(rates.join(QLatin1Char(' ')),
+                 QStringLiteral("set baudrate:115200 11 set baudrate:460800 11 set baudrate:576000 11 "
+                                "set baudrate:921600 11 set rate:460800"));
+
+        // The address that was put in stays, on a bridge too.
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        QVERIFY(tab.runToEnd());
+        QCOMPARE(bench.writes(Road::Ch341, UpdateBench::kAddress).first(),
+                 QStringLiteral("aa5561a100000000000102"));
+    }
+    void maskedHexFileWithoutMultiplexer()
+    {
+        UpdateBench bench;
+        bench.ch341Bus->unplug(bench.ch341Sensor);
+        bench.ch341Bus->plug(bench.ch341Sensor);
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        tab.board->setCurrentIndex(0);
+        tab.chooseFile(":0500000000000000FFFC\n:00000001FF\n", QStringLiteral("APP.HEX"), true);
+        QVERIFY(tab.runToEnd());
+        QCOMPARE(bench.loader(Road::Ch341).image().toHex(), QByteArray("b3c1275eff"));
+        QCOMPARE(bench.loader(Road::Ch341).imageName(), QByteArray("APP.HEX"));
+        QCOMPARE(bench.writes(Road::Ch341, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 00"));
+    }
+    void ended_data()
+    {
+        QTest::addColumn<Road>("road");
+        QTest::addColumn<int>("act");
+        QTest::addColumn<int>("frame");
+        QTest::addColumn<QString>("result");
+        const auto add = [](const char *name, Road road, SimBootAct act, int frame, const QString &result) {
+            QTest::newRow(name) << road << static_cast<int>(act) << frame << result;
+        };
+        add("CH341, power cut at the first block", Road::Ch341, SimBootAct::PowerCut, 1, kTimeout);
+        // A poll of one byte never sees five of them.
+        add("CH347, cancelled at the last block", Road::Ch347, SimBootAct::Cancel, 2, kTimeout);
+        add("serial, cancelled at the header", Road::Uart, SimBootAct::Cancel, 0, kCancelled);
+        add("serial, power cut at the end of file", Road::Uart, SimBootAct::PowerCut, 3, kTimeout);
+    }
+    void ended()
+    {
+        QFETCH(Road, road);
+        QFETCH(int, act);
+        QFETCH(int, frame);
+        QFETCH(QString, result);
+        UpdateBench bench;
+        bench.loader(road).schedule(static_cast<SimBootAct>(act), frame);
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, road));
+        tab.chooseFile(testImage(1300));
+        QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
+        QVERIFY(tab.runToEnd());
+        QCOMPARE(tab.result->text(), result);
+        QCOMPARE(failures.count(), 1);
+        checkIdle(bench, tab);
+        checkNextTry(bench, tab, road);
+    }
+    void cableIsPulled()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        tab.chooseFile(testImage(1300));
+        bench.ch341->pullOutAfter(1000);
+        QVERIFY(tab.runToEnd());
+        QCOMPARE(tab.result->text(), kTimeout);
+        QCOMPARE(tab.start->text(), QStringLiteral("开始"));
+        bench.usb.plug(bench.ch341);
+        checkNextTry(bench, tab, Road::Ch341);
+    }
+    void portGoesAway()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Uart));
+        startAndWaitForTheMiddle(tab);
+        bench.line.removePort();
+        QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), kTimeout, 20000);
+        checkIdle(bench, tab);
+        // Without its cable the sensor had no power either; its boot loader asks by itself.
+        bench.line.unplug(bench.serialSensor);
+        bench.line.restorePort();
+        bench.line.plug(bench.serialSensor);
+        tab.reset->setCurrentIndex(2);
+        checkNextTry(bench, tab, Road::Uart);
+    }
+    void brokenOffByTheUser_data()
+    {
+        using Act = std::function<void(UpdateTab &)>;
+        QTest::addColumn<Road>("road");
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<QString>("result");
+        const Act cancel = [](UpdateTab &tab) {
+            tab.start->click();
+            QVERIFY(!tab.isBusy());
+        };
+        const Act leave = [](UpdateTab &tab) {
+            tab.form.stop();
+            QVERIFY(tab.isBusy());
+        };
+        const Act change = [](UpdateTab &tab) {
+            tab.ch347->click();
+            QVERIFY(tab.isBusy());
+        };
+        QTest::newRow("CH341, cancelled") << Road::Ch341 << cancel << kCancelled;
+        QTest::newRow("serial, cancelled") << Road::Uart << cancel << kCancelled;
+        QTest::newRow("CH347, tab is left") << Road::Ch347 << leave << kTimeout;
+        QTest::newRow("CH341, interface changes") << Road::Ch341 << change << kTimeout;
+    }
+    void brokenOffByTheUser()
+    {
+        QFETCH(Road, road);
+        QFETCH(std::function<void(UpdateTab &)>, act);
+        QFETCH(QString, result);
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, road));
+        QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
+        startAndWaitForTheMiddle(tab);
+        act(tab);
+        QVERIFY(!bench.ch341->isOpen() && !bench.ch347->isOpen());
+        QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), result, 20000);
+        QCOMPARE(failures.count(), 1);
+        QTRY_VERIFY(m_log->contains(QStringLiteral("ymodem delete")));
+        // The cancel bytes come too late on a bridge.
+        const QStringList written = bench.writes(Road::Ch341, UpdateBench::kAddress) +
+                                    bench.writes(Road::Ch347, UpdateBench::kAddress);
+        QCOMPARE(written.filter(QStringLiteral("1818181818181818")), QStringList());
+        checkNextTry(bench, tab, road);
+    }
+    void startedAgainRightAfterACancel()
+    {
+        UpdateBench bench;
+        UpdateTab tab;
+        QVERIFY(tab.enter(bench, Road::Ch341));
+        startAndWaitForTheMiddle(tab);
+        tab.start->click();
+        tab.chooseFile(testImage(1300));
+        tab.start->click(); // the cancelled sender still lives, and must not end this one
+        QTRY_VERIFY_WITH_TIMEOUT(!tab.isBusy(), 20000);
+        QVERIFY2(tab.result->text().startsWith(QStringLiteral("更新成功")), qPrintable(tab.result->text()));
+        QVERIFY(bench.loader(Road::Ch341).image() == testImage(1300));
+    }
+    void formDiesInTheMiddle()
+    {
+        UpdateBench bench;
+        auto tab = std::make_unique<UpdateTab>();
+        QVERIFY(tab->enter(bench, Road::Ch347));
+        startAndWaitForTheMiddle(*tab);
+        tab.reset();
+        QVERIFY(m_log->contains(QStringLiteral("ymodem delete")));
+        QVERIFY(!bench.ch347->isOpen());
+    }
 
 private:
-    static void checkIdle(UpdateBench &bench, UpdateTab &tab);
-    static void checkNextTry(UpdateBench &bench, UpdateTab &tab, Road road, int size = 1300);
-    static void startAndWaitForTheMiddle(UpdateTab &tab);
+    static void checkIdle(UpdateBench &bench, UpdateTab &tab)
+    {
+        QCOMPARE(tab.start->text(), QStringLiteral("开始"));
+        for (const Road road : {Road::Ch341, Road::Ch347}) {
+            QVERIFY(!bench.bridge(road).isOpen());
+            QCOMPARE(bench.bridge(road).bus().selectedChannels(), uint8_t{0});
+        }
+    }
+    static void checkNextTry(UpdateBench &bench, UpdateTab &tab, Road road, int size = 1300)
+    {
+        tab.chooseFile(testImage(size));
+        QVERIFY(tab.enter(bench, road));
+        QVERIFY(tab.runToEnd());
+        static const QRegularExpression success(QStringLiteral("^更新成功,用时：\\d+\\.\\d{1,3}秒$"));
+        QVERIFY2(success.match(tab.result->text()).hasMatch(), qPrintable(tab.result->text()));
+        QVERIFY(bench.loader(road).hasImage());
+        const QByteArray padding(size % 16 == 8 ? 8 : 0, '\xFF');
+        QVERIFY(bench.loader(road).image() == testImage(size) + padding);
+        checkIdle(bench, tab);
+    }
+    static void startAndWaitForTheMiddle(UpdateTab &tab)
+    {
+        tab.chooseFile(testImage(30000));
+        tab.start->click();
+        QTRY_VERIFY(tab.progress->value() > 10);
+        QCOMPARE(tab.result->text(), QStringLiteral("开始更新"));
+    }
 
     std::unique_ptr<LogCapture> m_log;
 };
-
-void tst_update_transfer::checkIdle(UpdateBench &bench, UpdateTab &tab)
-{
-    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-    for (const Road road : {Road::Ch341, Road::Ch347}) {
-        QVERIFY(!bench.bridge(road).isOpen());
-        QCOMPARE(bench.bridge(road).bus().selectedChannels(), uint8_t{0});
-    }
-}
-
-void tst_update_transfer::checkNextTry(UpdateBench &bench, UpdateTab &tab, Road road, int size)
-{
-    tab.chooseFile(testImage(size));
-    QVERIFY(tab.enter(bench, road));
-    QVERIFY(tab.runToEnd());
-    static const QRegularExpression success(QStringLiteral("^更新成功,用时：\\d+\\.\\d{1,3}秒$"));
-    QVERIFY2(success.match(tab.result->text()).hasMatch(), qPrintable(tab.result->text()));
-    QVERIFY(bench.loader(road).hasImage());
-    const QByteArray padding(size % 16 == 8 ? 8 : 0, '\xFF');
-    QVERIFY(bench.loader(road).image() == testImage(size) + padding);
-    checkIdle(bench, tab);
-}
-
-void tst_update_transfer::startAndWaitForTheMiddle(UpdateTab &tab)
-{
-    tab.chooseFile(testImage(30000));
-    tab.start->click();
-    QTRY_VERIFY(tab.progress->value() > 10);
-    QCOMPARE(tab.result->text(), QStringLiteral("开始更新"));
-}
-
-void tst_update_transfer::images_data()
-{
-    QTest::addColumn<Road>("road");
-    QTest::addColumn<int>("size");
-    for (const int size : {129, 1000}) {
-        QTest::addRow("CH341, %d bytes", size) << Road::Ch341 << size;
-        QTest::addRow("CH347, %d bytes", size) << Road::Ch347 << size;
-        QTest::addRow("serial, %d bytes", size) << Road::Uart << size;
-    }
-    QTest::newRow("CH347, 65536 bytes") << Road::Ch347 << 65536;
-    QTest::newRow("serial, 65536 bytes") << Road::Uart << 65536;
-    QTest::newRow("CH341, 300000 bytes") << Road::Ch341 << 300000;
-    QTest::newRow("serial, 300000 bytes") << Road::Uart << 300000;
-}
-
-void tst_update_transfer::images()
-{
-    QFETCH(Road, road);
-    QFETCH(int, size);
-    UpdateBench bench;
-    bench.line.setPaced(size < 10000);
-    UpdateTab tab;
-    QSignalSpy successes(&tab.form, &fwUpdateForm::si_updateSuccess);
-    checkNextTry(bench, tab, road, size);
-    QCOMPARE(successes.count(), 1);
-    QCOMPARE(tab.progress->value(), 100);
-    QCOMPARE(bench.loader(road).imageName(), QByteArray("app.bin"));
-    if (road == Road::Uart)
-        return;
-    // Deselected at the opening, selected, deselected at the end.
-    QCOMPARE(bench.writes(road, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 10 00"));
-    QVERIFY(m_log->contains(QStringLiteral("write:11--aa5500a10000000000a001")));
-    QVERIFY(m_log->contains(QStringLiteral("read:1--43")));
-}
-
-void tst_update_transfer::resetOnTheSerialLine()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Uart));
-    tab.resetAddress->setValue(0x61);
-    SimSettings settings = bench.serialSensor->settings();
-    settings.address = 0x61;
-    bench.serialSensor->setSettings(settings);
-    tab.chooseFile(testImage(100));
-    QVERIFY(tab.runToEnd());
-    QVERIFY(bench.serialSensor->bootLoader().image() == testImage(100));
-    QStringList rates;
-    for (const QString &line : m_log->lines()) {
-        if (line.startsWith(QLatin1String("set ")) || line == QLatin1String("11"))
-            rates.append(line);
-    }
-    QCOMPARE(rates.join(QLatin1Char(' ')),
-             QStringLiteral("set baudrate:115200 11 set baudrate:460800 11 set baudrate:576000 11 "
-                            "set baudrate:921600 11 set rate:460800"));
-
-    // The address that was put in stays, on a bridge too.
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    QVERIFY(tab.runToEnd());
-    QCOMPARE(bench.writes(Road::Ch341, UpdateBench::kAddress).first(),
-             QStringLiteral("aa5561a100000000000102"));
-}
-
-void tst_update_transfer::maskedHexFileWithoutMultiplexer()
-{
-    UpdateBench bench;
-    bench.ch341Bus->unplug(bench.ch341Sensor);
-    bench.ch341Bus->plug(bench.ch341Sensor);
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    tab.board->setCurrentIndex(0);
-    tab.chooseFile(":0500000000000000FFFC\n:00000001FF\n", QStringLiteral("APP.HEX"), true);
-    QVERIFY(tab.runToEnd());
-    QCOMPARE(bench.loader(Road::Ch341).image().toHex(), QByteArray("b3c1275eff"));
-    QCOMPARE(bench.loader(Road::Ch341).imageName(), QByteArray("APP.HEX"));
-    QCOMPARE(bench.writes(Road::Ch341, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 00"));
-}
-
-void tst_update_transfer::ended_data()
-{
-    QTest::addColumn<Road>("road");
-    QTest::addColumn<int>("act");
-    QTest::addColumn<int>("frame");
-    QTest::addColumn<int>("times");
-    QTest::addColumn<QString>("result");
-    const auto add = [](const char *name, Road road, SimBootAct act, int frame, const QString &result,
-                        int times = 1) {
-        QTest::newRow(name) << road << static_cast<int>(act) << frame << times << result;
-    };
-    add("CH341, power cut at the first block", Road::Ch341, SimBootAct::PowerCut, 1, kTimeout);
-    // A poll of one byte never sees five of them.
-    add("CH347, cancelled at the last block", Road::Ch347, SimBootAct::Cancel, 2, kTimeout);
-    add("serial, cancelled at the header", Road::Uart, SimBootAct::Cancel, 0, kCancelled);
-    add("serial, power cut at the end of file", Road::Uart, SimBootAct::PowerCut, 3, kTimeout);
-    // What two seconds hold: a refused frame every 20 ms, an unanswered one every 200.
-    add("CH341, refused at the first block", Road::Ch341, SimBootAct::Nak, 1, kTimeout, 100);
-    add("CH347, silent at the end of file", Road::Ch347, SimBootAct::Silence, 3, kTimeout, 10);
-    add("serial, rubbish at the last header", Road::Uart, SimBootAct::Rubbish, 4, kTimeout, 10);
-}
-
-void tst_update_transfer::ended()
-{
-    QFETCH(Road, road);
-    QFETCH(int, act);
-    QFETCH(int, frame);
-    QFETCH(int, times);
-    QFETCH(QString, result);
-    UpdateBench bench;
-    bench.loader(road).schedule(static_cast<SimBootAct>(act), frame, times);
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, road));
-    tab.chooseFile(testImage(1300));
-    QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
-    QVERIFY(tab.runToEnd());
-    QCOMPARE(tab.result->text(), result);
-    QCOMPARE(failures.count(), 1);
-    checkIdle(bench, tab);
-    checkNextTry(bench, tab, road);
-}
-
-void tst_update_transfer::cableIsPulled()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    tab.chooseFile(testImage(1300));
-    bench.ch341->pullOutAfter(1000);
-    QVERIFY(tab.runToEnd());
-    QCOMPARE(tab.result->text(), kTimeout);
-    QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-    bench.usb.plug(bench.ch341);
-    checkNextTry(bench, tab, Road::Ch341);
-}
-
-void tst_update_transfer::portGoesAway()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Uart));
-    startAndWaitForTheMiddle(tab);
-    bench.line.removePort();
-    QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), kTimeout, 20000);
-    checkIdle(bench, tab);
-    // Without its cable the sensor had no power either; its boot loader asks by itself.
-    bench.line.unplug(bench.serialSensor);
-    bench.line.restorePort();
-    bench.line.plug(bench.serialSensor);
-    tab.reset->setCurrentIndex(2);
-    checkNextTry(bench, tab, Road::Uart);
-}
-
-void tst_update_transfer::brokenOffByTheUser_data()
-{
-    using Act = std::function<void(UpdateTab &)>;
-    QTest::addColumn<Road>("road");
-    QTest::addColumn<Act>("act");
-    QTest::addColumn<QString>("result");
-    const Act cancel = [](UpdateTab &tab) {
-        tab.start->click();
-        QVERIFY(!tab.isBusy());
-    };
-    const Act leave = [](UpdateTab &tab) {
-        tab.form.stop();
-        QVERIFY(tab.isBusy());
-    };
-    const Act change = [](UpdateTab &tab) {
-        tab.ch347->click();
-        QVERIFY(tab.isBusy());
-    };
-    QTest::newRow("CH341, cancelled") << Road::Ch341 << cancel << kCancelled;
-    QTest::newRow("serial, cancelled") << Road::Uart << cancel << kCancelled;
-    QTest::newRow("CH347, tab is left") << Road::Ch347 << leave << kTimeout;
-    QTest::newRow("CH341, interface changes") << Road::Ch341 << change << kTimeout;
-}
-
-void tst_update_transfer::brokenOffByTheUser()
-{
-    QFETCH(Road, road);
-    QFETCH(std::function<void(UpdateTab &)>, act);
-    QFETCH(QString, result);
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, road));
-    QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
-    startAndWaitForTheMiddle(tab);
-    act(tab);
-    QVERIFY(!bench.ch341->isOpen() && !bench.ch347->isOpen());
-    QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), result, 20000);
-    QCOMPARE(failures.count(), 1);
-    QTRY_VERIFY(m_log->contains(QStringLiteral("ymodem delete")));
-    // The cancel bytes come too late on a bridge.
-    const QStringList written =
-        bench.writes(Road::Ch341, UpdateBench::kAddress) + bench.writes(Road::Ch347, UpdateBench::kAddress);
-    QCOMPARE(written.filter(QStringLiteral("1818181818181818")), QStringList());
-    checkNextTry(bench, tab, road);
-}
-
-void tst_update_transfer::startedAgainRightAfterACancel()
-{
-    UpdateBench bench;
-    UpdateTab tab;
-    QVERIFY(tab.enter(bench, Road::Ch341));
-    startAndWaitForTheMiddle(tab);
-    tab.start->click();
-    tab.chooseFile(testImage(1300));
-    tab.start->click(); // the cancelled sender still lives, and must not end this one
-    QTRY_VERIFY_WITH_TIMEOUT(!tab.isBusy(), 20000);
-    QVERIFY2(tab.result->text().startsWith(QStringLiteral("更新成功")), qPrintable(tab.result->text()));
-    QVERIFY(bench.loader(Road::Ch341).image() == testImage(1300));
-}
-
-void tst_update_transfer::formDiesInTheMiddle()
-{
-    UpdateBench bench;
-    auto tab = std::make_unique<UpdateTab>();
-    QVERIFY(tab->enter(bench, Road::Ch347));
-    startAndWaitForTheMiddle(*tab);
-    tab.reset();
-    QVERIFY(m_log->contains(QStringLiteral("ymodem delete")));
-    QVERIFY(!bench.ch347->isOpen());
-}
 
 QTEST_MAIN(tst_update_transfer)
 #include "tst_update_transfer.moc"

@@ -1,6 +1,7 @@
 // The sender without a port: every frame in hex, whole transfers into the bench's boot loader, and each way in which a
 // transfer can be held up or ended. Nothing of the sender's frame builder is used here, and no time passes.
 
+#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
 #include "tests/update/SenderBench.h"
 
@@ -18,11 +19,6 @@ QByteArray pattern(int size)
     return bytes;
 }
 
-QByteArray frame(const char *head, const QByteArray &field, const char *crcAndZeros)
-{
-    return QByteArray::fromHex(head) + field + QByteArray::fromHex(crcAndZeros);
-}
-
 void advance(int ms)
 {
     VirtualTime::current().advance(ms);
@@ -35,344 +31,301 @@ class tst_ymodem : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
+    void init()
+    {
+        m_log = std::make_unique<LogCapture>();
+        // Every step forward clears the shared count of misses.
+        SenderBench(QByteArray("x")).sendHeader();
+        m_log->clear();
+    }
     void cleanup() { m_log.reset(); }
-    void framesOfATransfer_data();
-    void framesOfATransfer();
-    void wholeImages();
-    void paceAndLogOfATransfer();
-    void progressOfLargeImages();
-    void firstByteCounts();
-    void twentyMissesSendAgain();
-    void missesAreSharedByTransfers();
-    void missesWhileDataIsAwaitedGoBackToTheHeader();
-    void nakSendsAgainButTheGuardRunsOn();
-    void silenceEndsInATimeout();
-    void receiverCancels();
-    void ownerCancels();
-    void heldUpAtEveryFrame();
-    void endedAtEveryFrame();
+    void framesOfATransfer_data()
+    {
+        QTest::addColumn<int>("size");
+        QTest::addColumn<QByteArray>("header");
+        QTest::addColumn<QList<QByteArray>>("blocks");
+        const auto block = [](const char *head, int filled, int size, char filler, const char *crc) {
+            return hex(head) + QByteArray(filled, 'U').leftJustified(size, filler) + hex(crc) + hex("000000");
+        };
+        using Blocks = QList<QByteArray>;
+        const QByteArray first = block("0201FE", 1024, 1024, 0, "407C");
+        QTest::newRow("empty: ends with its header") << 0 << hex("4312") << Blocks{};
+        QTest::newRow("1 byte") << 1 << hex("0047") << Blocks{block("0101FE", 1, 128, 0x1A, "20B2")};
+        QTest::newRow("full small block")
+            << 128 << hex("198F") << Blocks{block("0101FE", 128, 128, 0, "5B67")};
+        QTest::newRow("tail of the first large block is zeros")
+            << 500 << hex("899C") << Blocks{block("0201FE", 500, 1024, 0, "2525")};
+        QTest::newRow("full large block") << 1024 << hex("BC73") << Blocks{first};
+        QTest::newRow("large and small block")
+            << 1100 << hex("6172") << Blocks{first, block("0102FD", 76, 128, 0x1A, "C30F")};
+        QTest::newRow("two large blocks")
+            << 1300 << hex("8549") << Blocks{first, block("0202FD", 276, 1024, 0x1A, "6A60")};
+    }
+
+    void framesOfATransfer()
+    {
+        QFETCH(int, size);
+        QFETCH(QByteArray, header);
+        QFETCH(QList<QByteArray>, blocks);
+        SimBootLoader loader;
+        SenderBench bench(QByteArray(size, 'U'), &loader);
+        QVERIFY(bench.runToEnd());
+        const auto headerFrame = [](const QByteArray &data, const QByteArray &crc) {
+            return hex("0100FF") + data.leftJustified(128, '\0') + crc + hex("000000");
+        };
+        QList<QByteArray> frames{headerFrame(hex("612E62696E00") + QByteArray::number(size), header)};
+        if (size > 0)
+            frames += blocks + QList<QByteArray>{hex("04000000"), headerFrame({}, hex("0000"))};
+        QCOMPARE(bench.writes, frames);
+    }
+
+    void wholeImages()
+    {
+        // The last one has more than 256 blocks, so that their numbers wrap.
+        for (const int size : {0, 1, 128, 129, 500, 1023, 1024, 1025, 1100, 1300, 65536, 300000}) {
+            for (const bool isSerial : {false, true}) {
+                SimBootLoader loader;
+                SenderBench bench(pattern(size), &loader, QStringLiteral("abcdefghijklmnopqrstuvwxyz.bin"));
+                bench.isSerial = isSerial;
+                QVERIFY(bench.runToEnd());
+                QCOMPARE(bench.successes.count(), 1);
+                QVERIFY(loader.hasImage());
+                QCOMPARE(loader.imageName(), QByteArray("abcdefghijklmnopqrst"));
+                QVERIFY(loader.image() == pattern(size));
+                QCOMPARE(bench.readLengths.count(1), bench.readLengths.size());
+                QCOMPARE(bench.progress.first(), 0);
+                QCOMPARE(bench.progress.last(), 100);
+                QCOMPARE(bench.progress.count(100), 1);
+            }
+        }
+    }
+    void paceAndLogOfATransfer()
+    {
+        {
+            SimBootLoader loader;
+            SenderBench bench(pattern(1100), &loader);
+            QVERIFY(bench.runToEnd());
+            QCOMPARE(bench.progress, (QList<int>{0, 93, 99, 0, 100}));
+            // Header with the first poll; its ACK, then "C", then 10 ms; ACK and 10 ms twice; ACK, "C" and null header at once.
+            QCOMPARE(bench.writesAtMs, (QList<qint64>{10, 40, 60, 80, 100}));
+        }
+        const QString expected =
+            QStringLiteral("ymodem create|name:a.bin|size:1100|update start|"
+                           "<--------------------FILE C|FILE INFO--------------->|"
+                           "<--------------------FILE ACK|<--------------------CONTENT C|"
+                           "DATA:1--------------->|<--------------------CONTENT ACK|1024 / 1100|"
+                           "send:128|DATA--------------->|<--------------------CONTENT ACK|"
+                           "1100 / 1100|EOT--------------->|<--------------------EOT ACK|"
+                           "<--------------------FILE C|NULL FILE INFO--------------->|"
+                           "<--------------------NULL FILE ACK|ymodem delete");
+        QCOMPARE(m_log->lines().join(QLatin1Char('|')), expected);
+    }
+    void progressOfLargeImages()
+    {
+        SenderBench small(QByteArray(129, 'U'));
+        small.sendHeader();
+        small.receive({"\x06", "C", "\x06"});
+        QVERIFY(m_log->contains(QStringLiteral("1024 / 129")));
+        QCOMPARE(small.progress, (QList<int>{0, 99}));
+
+        constexpr int kBlocks = 50 * 1024;
+        SenderBench large(QByteArray(kBlocks * 1024, 'U'));
+        large.sendHeader();
+        large.receive({"\x06", "C"});
+        for (int i = 0; i < kBlocks * 9 / 10; ++i) {
+            large.receive({"\x06"});
+            advance(10);
+            large.writes.clear();
+        }
+        QCOMPARE(large.progress.last(), 90);
+    }
+    void firstByteCounts()
+    {
+        // While the answer to the header is awaited a twentieth miss makes the sender write.
+        const std::pair<QByteArray, int> reads[] = {{QByteArray(1, '\0'), 1},
+                                                    {QByteArray(), 1},
+                                                    {QByteArray("\0\x06", 2), 1},
+                                                    {"C", 1},
+                                                    {"\x06\x15\x15", 0},
+                                                    {"\xFF", 0},
+                                                    {"\xFF\x06", 0},
+                                                    {"\x01", 0}};
+        for (const auto &[bytes, writes] : reads) {
+            SenderBench bench(pattern(100));
+            bench.sendHeader();
+            bench.miss(19);
+            bench.writes.clear();
+            bench.receive({bytes});
+            advance(10);
+            QVERIFY2(bench.writes.size() == writes, bytes.toHex().constData());
+        }
+    }
+    void twentyMissesSendAgain()
+    {
+        SenderBench bench(pattern(100));
+        bench.sender.update_start();
+        bench.miss(20);
+        QCOMPARE(bench.writes, QList<QByteArray>{QByteArray()}); // nothing has been built yet
+        bench.receive({"C", "\x06", "C"});
+        advance(10);
+        QCOMPARE(bench.writes.size(), 3);
+        bench.miss(20);
+        QCOMPARE(bench.writes.size(), 4);
+        QCOMPARE(bench.writes.at(3), bench.writes.at(2));
+        bench.miss(20);
+        QCOMPARE(bench.writes.size(), 5);
+    }
+    void missesAreSharedByTransfers()
+    {
+        SenderBench first(pattern(100));
+        first.sender.update_start();
+        first.miss(15);
+        SenderBench second(pattern(100));
+        second.sender.update_start();
+        second.miss(5);
+        QCOMPARE(second.writes.size(), 1);
+
+        // The end-of-file frame does not clear the count, every other frame does.
+        SenderBench third(pattern(100));
+        third.sendHeader();
+        third.receive({"\x06", "C"});
+        third.miss(15);
+        third.receive({"\x06"});
+        advance(10);
+        QCOMPARE(third.writes.size(), 3);
+        third.miss(5);
+        QCOMPARE(third.writes.size(), 4);
+        QCOMPARE(third.writes.last().toHex(), QByteArray("04000000"));
+    }
+    void missesWhileDataIsAwaitedGoBackToTheHeader()
+    {
+        SenderBench bench(pattern(100));
+        bench.sendHeader();
+        bench.receive({"\x06"});
+        bench.miss(20);
+        QCOMPARE(bench.writes.size(), 2);
+        QCOMPARE(bench.writes.at(1), bench.writes.at(0));
+        const QString content = QStringLiteral("<--------------------CONTENT C");
+        bench.receive({"C"}); // a miss again, since the header is to be answered first
+        QCOMPARE(m_log->count(content), 0);
+        bench.receive({"\x06", "C"});
+        QCOMPARE(m_log->count(content), 1);
+    }
+    void nakSendsAgainButTheGuardRunsOn()
+    {
+        SimBootLoader loader;
+        loader.setWindow(std::chrono::minutes(1));
+        loader.schedule(SimBootAct::Nak, 0, 1000);
+        SenderBench bench(pattern(100), &loader);
+        bench.sender.update_start();
+        advance(10 + 1999); // the header goes out at the first poll and starts the guard anew
+        QCOMPARE(bench.timeouts.count(), 0);
+        advance(1);
+        QCOMPARE(bench.timeouts.count(), 1);
+        // A write every 20 ms: 10 ms until the refusal is read, 10 ms until the frame goes out again.
+        QCOMPARE(bench.writes.size(), 101);
+        QCOMPARE(bench.writes.count(bench.writes.first()), bench.writes.size());
+        QCOMPARE(m_log->count(QStringLiteral("retry write")), 100);
+    }
+    void silenceEndsInATimeout()
+    {
+        SenderBench bench(pattern(100));
+        bench.sender.update_start();
+        advance(1999);
+        QCOMPARE(bench.timeouts.count(), 0);
+        QCOMPARE(bench.readLengths.size(), 199);
+        advance(1);
+        QCOMPARE(bench.timeouts.count(), 1);
+        QVERIFY(m_log->contains(QStringLiteral("ymodem timeout")));
+        advance(5000); // polling is the owner's to end
+        QCOMPARE(bench.readLengths.size(), 700);
+        QCOMPARE(bench.timeouts.count(), 1);
+    }
+    void receiverCancels()
+    {
+        const QByteArray five(5, 0x18);
+        const std::pair<QByteArray, int> reads[] = {
+            {five, 1},         {five + five, 1},        {five + "C", 1},
+            {five.left(4), 0}, {five.left(4) + "C", 0}, {"C" + five, 0}};
+        for (const auto &[bytes, cancels] : reads) {
+            m_log->clear();
+            SenderBench bench(pattern(100));
+            bench.sender.update_start();
+            bench.receive({bytes});
+            QCOMPARE(bench.cancels.count(), cancels);
+            QCOMPARE(m_log->count(QStringLiteral("update stop")), cancels);
+        }
+    }
+    void ownerCancels()
+    {
+        SenderBench bench(pattern(100));
+        bench.sendHeader();
+        bench.sender.update_cancel();
+        advance(10);
+        QCOMPARE(bench.writes.last().toHex(), QByteArray("1818181818181818"));
+        advance(89);
+        QCOMPARE(bench.cancels.count(), 0);
+        advance(1);
+        QCOMPARE(bench.cancels.count(), 1);
+        QVERIFY(m_log->contains(QStringLiteral("update cancel")));
+        advance(3000);
+        QCOMPARE(bench.timeouts.count(), 0);
+        QVERIFY(bench.readLengths.size() > 300);
+    }
+    void heldUpAtEveryFrame()
+    {
+        const auto holdUp = [](SimBootAct act, int at, bool isSerial) {
+            SimBootLoader loader;
+            loader.schedule(act, at);
+            SenderBench bench(pattern(1300), &loader);
+            bench.isSerial = isSerial;
+            QVERIFY(bench.runToEnd());
+            QCOMPARE(bench.successes.count(), 1);
+            QVERIFY(loader.image() == pattern(1300));
+            QCOMPARE(bench.writes.size(), 6);
+            QCOMPARE(bench.writes.at(at + 1), bench.writes.at(at));
+        };
+        for (int at = 0; at < 5; ++at) {
+            for (const SimBootAct act :
+                 {SimBootAct::Nak, SimBootAct::Silence, SimBootAct::LostAck, SimBootAct::Rubbish}) {
+                holdUp(act, at, false);
+                holdUp(act, at, true);
+            }
+        }
+    }
+    void endedAtEveryFrame()
+    {
+        struct Fault
+        {
+            SimBootAct act;
+            int times;
+            int firstFrame;
+            bool isSerial;
+        };
+        // Of a cancel at the header nothing is seen by a poll of one byte but that the header goes out again.
+        const Fault faults[] = {{SimBootAct::Silence, 10, 0, false}, {SimBootAct::Nak, 100, 0, false},
+                                {SimBootAct::Rubbish, 10, 0, false}, {SimBootAct::PowerCut, 1, 0, false},
+                                {SimBootAct::Cancel, 1, 1, false},   {SimBootAct::Cancel, 1, 0, true}};
+        for (const Fault &fault : faults) {
+            for (int at = fault.firstFrame; at < 5; ++at) {
+                SimBootLoader loader;
+                loader.schedule(fault.act, at, fault.times);
+                auto bench = std::make_unique<SenderBench>(pattern(1300), &loader);
+                bench->isSerial = fault.isSerial;
+                QVERIFY(bench->runToEnd());
+                QCOMPARE(bench->cancels.count(), fault.isSerial ? 1 : 0);
+                QCOMPARE(bench->timeouts.count(), fault.isSerial ? 0 : 1);
+                bench = std::make_unique<SenderBench>(pattern(1300), &loader);
+                QVERIFY(bench->runToEnd());
+                QCOMPARE(bench->successes.count(), 1);
+                QVERIFY(loader.image() == pattern(1300));
+            }
+        }
+    }
 
 private:
     std::unique_ptr<LogCapture> m_log;
 };
-
-void tst_ymodem::init()
-{
-    m_log = std::make_unique<LogCapture>();
-    // Every step forward clears the shared count of misses.
-    SenderBench(QByteArray("x")).sendHeader();
-    m_log->clear();
-}
-
-void tst_ymodem::framesOfATransfer_data()
-{
-    QTest::addColumn<QByteArray>("image");
-    QTest::addColumn<QList<QByteArray>>("frames");
-    const QByteArray end = QByteArray::fromHex("04000000");
-    const QByteArray nullHeader = frame("0100FF", QByteArray(128, '\0'), "0000000000");
-    const auto header = [](const char *nameAndSize, const char *crcAndZeros) {
-        return frame("0100FF", QByteArray::fromHex(nameAndSize).leftJustified(128, '\0'), crcAndZeros);
-    };
-    const QByteArray firstOfTwo = frame("0201FE", QByteArray(1024, 'U'), "407C000000");
-
-    QTest::newRow("empty image ends with its header")
-        << QByteArray() << QList<QByteArray>{header("612E62696E0030", "4312000000")};
-    QTest::newRow("1 byte") << QByteArray("U")
-                            << QList<QByteArray>{
-                                   header("612E62696E0031", "0047000000"),
-                                   frame("0101FE", QByteArray("U").leftJustified(128, 0x1A), "20B2000000"),
-                                   end, nullHeader};
-    QTest::newRow("128 bytes: one full small block")
-        << QByteArray(128, 'U')
-        << QList<QByteArray>{header("612E62696E00313238", "198F000000"),
-                             frame("0101FE", QByteArray(128, 'U'), "5B67000000"), end, nullHeader};
-    QTest::newRow("500 bytes: the tail of the first large block is zeros")
-        << QByteArray(500, 'U')
-        << QList<QByteArray>{header("612E62696E00353030", "899C000000"),
-                             frame("0201FE", QByteArray(500, 'U').leftJustified(1024, '\0'), "2525000000"),
-                             end, nullHeader};
-    QTest::newRow("1024 bytes: one full large block")
-        << QByteArray(1024, 'U')
-        << QList<QByteArray>{header("612E62696E0031303234", "BC73000000"), firstOfTwo, end, nullHeader};
-    QTest::newRow("1100 bytes: large and small block")
-        << QByteArray(1100, 'U')
-        << QList<QByteArray>{header("612E62696E0031313030", "6172000000"), firstOfTwo,
-                             frame("0102FD", QByteArray(76, 'U').leftJustified(128, 0x1A), "C30F000000"), end,
-                             nullHeader};
-    QTest::newRow("1300 bytes: two large blocks")
-        << QByteArray(1300, 'U')
-        << QList<QByteArray>{header("612E62696E0031333030", "8549000000"), firstOfTwo,
-                             frame("0202FD", QByteArray(276, 'U').leftJustified(1024, 0x1A), "6A60000000"),
-                             end, nullHeader};
-}
-
-void tst_ymodem::framesOfATransfer()
-{
-    QFETCH(QByteArray, image);
-    QFETCH(QList<QByteArray>, frames);
-    SimBootLoader loader;
-    SenderBench bench(image, &loader);
-    QVERIFY(bench.runToEnd());
-    QCOMPARE(bench.writes.size(), frames.size());
-    for (int i = 0; i < frames.size(); ++i)
-        QCOMPARE(bench.writes.at(i).toHex(), frames.at(i).toHex());
-}
-
-void tst_ymodem::wholeImages()
-{
-    // The last one has more than 256 blocks, so that their numbers wrap.
-    for (const int size : {0, 1, 128, 129, 500, 1023, 1024, 1025, 1100, 1300, 65536, 300000}) {
-        for (const bool isSerial : {false, true}) {
-            SimBootLoader loader;
-            SenderBench bench(pattern(size), &loader, QStringLiteral("abcdefghijklmnopqrstuvwxyz.bin"));
-            bench.isSerial = isSerial;
-            QVERIFY(bench.runToEnd());
-            QCOMPARE(bench.successes.count(), 1);
-            QVERIFY(loader.hasImage());
-            QCOMPARE(loader.imageName(), QByteArray("abcdefghijklmnopqrst"));
-            QVERIFY(loader.image() == pattern(size));
-            QCOMPARE(bench.readLengths.count(1), bench.readLengths.size());
-            QCOMPARE(bench.progress.first(), 0);
-            QCOMPARE(bench.progress.last(), 100);
-            QCOMPARE(bench.progress.count(100), 1);
-        }
-    }
-}
-
-void tst_ymodem::paceAndLogOfATransfer()
-{
-    {
-        SimBootLoader loader;
-        SenderBench bench(pattern(1100), &loader);
-        QVERIFY(bench.runToEnd());
-        QCOMPARE(bench.progress, (QList<int>{0, 93, 99, 0, 100}));
-        // Header with the first poll; its ACK, then "C", then 10 ms; ACK and 10 ms twice; ACK, "C" and null header at once.
-        QCOMPARE(bench.writesAtMs, (QList<qint64>{10, 40, 60, 80, 100}));
-    }
-    const QString expected =
-        QStringLiteral("ymodem create|name:a.bin|size:1100|update start|"
-                       "<--------------------FILE C|FILE INFO--------------->|"
-                       "<--------------------FILE ACK|<--------------------CONTENT C|"
-                       "DATA:1--------------->|<--------------------CONTENT ACK|1024 / 1100|"
-                       "send:128|DATA--------------->|<--------------------CONTENT ACK|"
-                       "1100 / 1100|EOT--------------->|<--------------------EOT ACK|"
-                       "<--------------------FILE C|NULL FILE INFO--------------->|"
-                       "<--------------------NULL FILE ACK|ymodem delete");
-    QCOMPARE(m_log->lines().join(QLatin1Char('|')), expected);
-}
-
-void tst_ymodem::progressOfLargeImages()
-{
-    SenderBench small(QByteArray(129, 'U'));
-    small.sendHeader();
-    small.receive({"\x06", "C", "\x06"});
-    QVERIFY(m_log->contains(QStringLiteral("1024 / 129")));
-    QCOMPARE(small.progress, (QList<int>{0, 99}));
-
-    constexpr int kBlocks = 50 * 1024;
-    SenderBench large(QByteArray(kBlocks * 1024, 'U'));
-    large.sendHeader();
-    large.receive({"\x06", "C"});
-    for (int i = 0; i < kBlocks * 9 / 10; ++i) {
-        large.receive({"\x06"});
-        advance(10);
-        large.writes.clear();
-    }
-    QCOMPARE(large.progress.last(), 90);
-}
-
-void tst_ymodem::firstByteCounts()
-{
-    // While the answer to the header is awaited a twentieth miss makes the sender write.
-    const std::pair<QByteArray, int> reads[] = {{QByteArray(1, '\0'), 1},
-                                                {QByteArray(), 1},
-                                                {QByteArray("\0\x06", 2), 1},
-                                                {"C", 1},
-                                                {"\x06\x15\x15", 0},
-                                                {"\xFF", 0},
-                                                {"\xFF\x06", 0},
-                                                {"\x01", 0}};
-    for (const auto &[bytes, writes] : reads) {
-        SenderBench bench(pattern(100));
-        bench.sendHeader();
-        bench.miss(19);
-        bench.writes.clear();
-        bench.receive({bytes});
-        advance(10);
-        QVERIFY2(bench.writes.size() == writes, bytes.toHex().constData());
-    }
-}
-
-void tst_ymodem::twentyMissesSendAgain()
-{
-    SenderBench bench(pattern(100));
-    bench.sender.update_start();
-    bench.miss(20);
-    QCOMPARE(bench.writes, QList<QByteArray>{QByteArray()}); // nothing has been built yet
-    bench.receive({"C", "\x06", "C"});
-    advance(10);
-    QCOMPARE(bench.writes.size(), 3);
-    bench.miss(20);
-    QCOMPARE(bench.writes.size(), 4);
-    QCOMPARE(bench.writes.at(3), bench.writes.at(2));
-    bench.miss(20);
-    QCOMPARE(bench.writes.size(), 5);
-}
-
-void tst_ymodem::missesAreSharedByTransfers()
-{
-    SenderBench first(pattern(100));
-    first.sender.update_start();
-    first.miss(15);
-    SenderBench second(pattern(100));
-    second.sender.update_start();
-    second.miss(5);
-    QCOMPARE(second.writes.size(), 1);
-
-    // The end-of-file frame does not clear the count, every other frame does.
-    SenderBench third(pattern(100));
-    third.sendHeader();
-    third.receive({"\x06", "C"});
-    third.miss(15);
-    third.receive({"\x06"});
-    advance(10);
-    QCOMPARE(third.writes.size(), 3);
-    third.miss(5);
-    QCOMPARE(third.writes.size(), 4);
-    QCOMPARE(third.writes.last().toHex(), QByteArray("04000000"));
-}
-
-void tst_ymodem::missesWhileDataIsAwaitedGoBackToTheHeader()
-{
-    SenderBench bench(pattern(100));
-    bench.sendHeader();
-    bench.receive({"\x06"});
-    bench.miss(20);
-    QCOMPARE(bench.writes.size(), 2);
-    QCOMPARE(bench.writes.at(1), bench.writes.at(0));
-    const QString content = QStringLiteral("<--------------------CONTENT C");
-    bench.receive({"C"}); // a miss again, since the header is to be answered first
-    QCOMPARE(m_log->count(content), 0);
-    bench.receive({"\x06", "C"});
-    QCOMPARE(m_log->count(content), 1);
-}
-
-void tst_ymodem::nakSendsAgainButTheGuardRunsOn()
-{
-    SimBootLoader loader;
-    loader.setWindow(std::chrono::minutes(1));
-    loader.schedule(SimBootAct::Nak, 0, 1000);
-    SenderBench bench(pattern(100), &loader);
-    bench.sender.update_start();
-    advance(10 + 1999); // the header goes out at the first poll and starts the guard anew
-    QCOMPARE(bench.timeouts.count(), 0);
-    advance(1);
-    QCOMPARE(bench.timeouts.count(), 1);
-    // A write every 20 ms: 10 ms until the refusal is read, 10 ms until the frame goes out again.
-    QCOMPARE(bench.writes.size(), 101);
-    QCOMPARE(bench.writes.count(bench.writes.first()), bench.writes.size());
-    QCOMPARE(m_log->count(QStringLiteral("retry write")), 100);
-}
-
-void tst_ymodem::silenceEndsInATimeout()
-{
-    SenderBench bench(pattern(100));
-    bench.sender.update_start();
-    advance(1999);
-    QCOMPARE(bench.timeouts.count(), 0);
-    QCOMPARE(bench.readLengths.size(), 199);
-    advance(1);
-    QCOMPARE(bench.timeouts.count(), 1);
-    QVERIFY(m_log->contains(QStringLiteral("ymodem timeout")));
-    advance(5000); // polling is the owner's to end
-    QCOMPARE(bench.readLengths.size(), 700);
-    QCOMPARE(bench.timeouts.count(), 1);
-}
-
-void tst_ymodem::receiverCancels()
-{
-    const QByteArray five(5, 0x18);
-    const std::pair<QByteArray, int> reads[] = {{five, 1},         {five + five, 1},        {five + "C", 1},
-                                                {five.left(4), 0}, {five.left(4) + "C", 0}, {"C" + five, 0}};
-    for (const auto &[bytes, cancels] : reads) {
-        m_log->clear();
-        SenderBench bench(pattern(100));
-        bench.sender.update_start();
-        bench.receive({bytes});
-        QCOMPARE(bench.cancels.count(), cancels);
-        QCOMPARE(m_log->count(QStringLiteral("update stop")), cancels);
-    }
-}
-
-void tst_ymodem::ownerCancels()
-{
-    SenderBench bench(pattern(100));
-    bench.sendHeader();
-    bench.sender.update_cancel();
-    advance(10);
-    QCOMPARE(bench.writes.last().toHex(), QByteArray("1818181818181818"));
-    advance(89);
-    QCOMPARE(bench.cancels.count(), 0);
-    advance(1);
-    QCOMPARE(bench.cancels.count(), 1);
-    QVERIFY(m_log->contains(QStringLiteral("update cancel")));
-    advance(3000);
-    QCOMPARE(bench.timeouts.count(), 0);
-    QVERIFY(bench.readLengths.size() > 300);
-}
-
-void tst_ymodem::heldUpAtEveryFrame()
-{
-    const auto holdUp = [](SimBootAct act, int at, bool isSerial) {
-        SimBootLoader loader;
-        loader.schedule(act, at);
-        SenderBench bench(pattern(1300), &loader);
-        bench.isSerial = isSerial;
-        QVERIFY(bench.runToEnd());
-        QCOMPARE(bench.successes.count(), 1);
-        QVERIFY(loader.image() == pattern(1300));
-        QCOMPARE(bench.writes.size(), 6);
-        QCOMPARE(bench.writes.at(at + 1), bench.writes.at(at));
-    };
-    for (int at = 0; at < 5; ++at) {
-        for (const SimBootAct act :
-             {SimBootAct::Nak, SimBootAct::Silence, SimBootAct::LostAck, SimBootAct::Rubbish}) {
-            holdUp(act, at, false);
-            holdUp(act, at, true);
-        }
-    }
-}
-
-void tst_ymodem::endedAtEveryFrame()
-{
-    struct Fault
-    {
-        SimBootAct act;
-        int times;
-        int firstFrame;
-        bool isSerial;
-    };
-    // Of a cancel at the header nothing is seen by a poll of one byte but that the header goes out again.
-    const Fault faults[] = {{SimBootAct::Silence, 10, 0, false}, {SimBootAct::Nak, 100, 0, false},
-                            {SimBootAct::Rubbish, 10, 0, false}, {SimBootAct::PowerCut, 1, 0, false},
-                            {SimBootAct::Cancel, 1, 1, false},   {SimBootAct::Cancel, 1, 0, true}};
-    for (const Fault &fault : faults) {
-        for (int at = fault.firstFrame; at < 5; ++at) {
-            SimBootLoader loader;
-            loader.schedule(fault.act, at, fault.times);
-            auto bench = std::make_unique<SenderBench>(pattern(1300), &loader);
-            bench->isSerial = fault.isSerial;
-            QVERIFY(bench->runToEnd());
-            QCOMPARE(bench->cancels.count(), fault.isSerial ? 1 : 0);
-            QCOMPARE(bench->timeouts.count(), fault.isSerial ? 0 : 1);
-            bench = std::make_unique<SenderBench>(pattern(1300), &loader);
-            QVERIFY(bench->runToEnd());
-            QCOMPARE(bench->successes.count(), 1);
-            QVERIFY(loader.image() == pattern(1300));
-        }
-    }
-}
 
 int main(int argc, char *argv[])
 {
