@@ -3,14 +3,13 @@
 #include "tests/monitor/monitor_bench.h"
 
 #include "app/class_settings.h"
+#include "monitor/PanelArea.h"
 #include "tests/support/box_answer.h"
 #include "tests/support/log_capture.h"
 
 #include <QHelpEvent>
 #include <QSignalSpy>
 #include <QSplitter>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QToolTip>
 
 namespace {
@@ -19,6 +18,48 @@ QLabel *label(const fingerForm *panel, const char *name)
 {
     return panel->findChild<QLabel *>(QLatin1String(name));
 }
+
+/// Tree and panels without a worker.
+struct Area : PanelArea
+{
+    Area()
+        : PanelArea([this](uint8_t infIdx, uint8_t addr) {
+            return hasWorker ? new fingerForm(infIdx, addr, nullptr) : nullptr;
+        })
+    {
+        resize(800, 500);
+        show();
+    }
+    static sensor_ts sensor(uint8_t addr, uint8_t prg, uint8_t infIdx)
+    {
+        sensor_ts sensor;
+        sensor.infIdx = infIdx;
+        sensor.addr = addr;
+        sensor.prg = prg;
+        sensor.sn = QStringLiteral("KV");
+        return sensor;
+    }
+    void add(uint8_t addr, uint8_t prg, uint8_t infIdx = 0) { addSensor(sensor(addr, prg, infIdx)); }
+    void remove(uint8_t addr, uint8_t prg, uint8_t infIdx = 0) { removeSensor(sensor(addr, prg, infIdx)); }
+    /// As a user does by the keyboard.
+    void closeLast()
+    {
+        mdi->subWindowList().last()->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    void click(int bus, int row) { Q_EMIT tree->itemClicked(tree->topLevelItem(bus)->child(row), 0); }
+    QStringList windows() const
+    {
+        QStringList names;
+        for (const QMdiSubWindow *window : mdi->subWindowList())
+            names += window->objectName();
+        return names;
+    }
+
+    bool hasWorker = true;
+    QTreeWidget *tree = findChild<QTreeWidget *>();
+    QMdiArea *mdi = findChild<QMdiArea *>();
+};
 
 } // namespace
 
@@ -138,80 +179,64 @@ private Q_SLOTS:
 
     void removesTheRightPanel()
     {
-        MonitorBench bench;
-        const auto stranger = bench.plug(112, 0x61);
-        const auto watched = bench.plug(2, 0x62);
-        bench.plug(2, 0x63);
-        QVERIFY(bench.find({QStringLiteral("0/0x61"), QStringLiteral("0/0x62"), QStringLiteral("0/0x63")}));
-        QVERIFY(!bench.panel("0-0x61")->view());
-        const auto *rate = label(bench.panel("0-0x61"), "lbHz");
-        QTRY_VERIFY_WITH_TIMEOUT(!rate->text().isEmpty(), MonitorBench::kPatienceMs);
-        auto *tree = bench.form.findChild<QTreeWidget *>();
+        Area area;
+        area.add(0x61, 112); // without a view
+        area.add(0x62, 2);
+        area.add(0x63, 19);
+        area.add(0x62, 2, 1);
         const LogCapture log;
-        const auto items =
-            tree->findItems(QStringLiteral("0/0x62/"), Qt::MatchStartsWith | Qt::MatchRecursive);
-        QCOMPARE(items.size(), 1);
-        Q_EMIT tree->itemClicked(items.first(), 0);
-        Q_EMIT tree->itemClicked(tree->topLevelItem(0), 0);
-        QVERIFY(log.contains(QStringLiteral("inf:1")));
-        QVERIFY(log.contains(QStringLiteral("addr:98")));
-        bench.line.unplug(stranger);
-        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x62"), QStringLiteral("0/0x63")}));
-        QCOMPARE(bench.mdi()->activeSubWindow()->objectName(), QStringLiteral("0-0x62"));
-        // Nothing is active in a hidden window, so the plotting tool's source stays until its view goes.
-        QTcpServer server;
-        QVERIFY(server.listen(QHostAddress::LocalHost));
-        bench.connectPlotter(server.serverPort());
-        QVERIFY(server.waitForNewConnection(MonitorBench::kPatienceMs));
-        QTcpSocket *plotter = server.nextPendingConnection();
-        QTRY_VERIFY_WITH_TIMEOUT(plotter->bytesAvailable() > 0, MonitorBench::kPatienceMs);
-        bench.form.hide();
-        bench.line.unplug(watched);
-        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x63")}));
-        QCOMPARE(bench.panels(), QStringList{QStringLiteral("0-0x63")});
-        rate = label(bench.panel("0-0x63"), "lbHz");
-        QTRY_VERIFY_WITH_TIMEOUT(!rate->text().isEmpty(), MonitorBench::kPatienceMs);
+        area.click(0, 1);
+        Q_EMIT area.tree->itemClicked(area.tree->topLevelItem(0), 0);
+        QCOMPARE(log.lines().mid(0, 2), (QStringList{QStringLiteral("inf:1"), QStringLiteral("addr:98")}));
+        QCOMPARE(log.count(QStringLiteral("inf:1")), 1);
+        class_finger *const shown = area.activeDecoder();
+        QVERIFY(shown && shown == area.findChild<fingerForm *>(QStringLiteral("0-0x62"))->view());
+
+        area.remove(0x61, 112);
+        QCOMPARE(area.mdi->activeSubWindow()->objectName(), QStringLiteral("0-0x62"));
+        QCOMPARE(area.activeDecoder(), shown);
+        area.hide(); // nothing becomes active any more
+        area.remove(0x62, 2);
+        QCOMPARE(area.windows(), (QStringList{QStringLiteral("0-0x63"), QStringLiteral("1-0x62")}));
+        QCOMPARE(area.tree->topLevelItem(0)->childCount(), 1);
+        // A panel that the user has closed comes back as that of its own sensor.
+        area.show();
+        area.closeLast();
+        area.click(1, 0);
+        QVERIFY(area.findChild<fingerForm *>(QStringLiteral("1-0x62"))->view());
+        area.hasWorker = false;
+        area.closeLast();
+        area.click(1, 0);
+        QVERIFY(!area.findChild<fingerForm *>(QStringLiteral("1-0x62")));
     }
 
     void warnsOfAViewWithoutARow()
     {
-        MonitorBench bench;
-        const auto sensor = bench.plug(111, 0x61);
-        bench.plug(2, 0x62);
+        Area area;
+        area.add(0x62, 2);
         BoxAnswer boxes;
         const auto expectBox = [&boxes] {
             boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
         };
         // The sensor goes, and its panel with it, while the box stands.
-        boxes.whileOpen = [&] {
-            const QPointer<fingerForm> panel(bench.panel("0-0x61"));
-            bench.line.unplug(sensor);
-            QVERIFY(QTest::qWaitFor([&panel] { return panel.isNull(); }, MonitorBench::kPatienceMs));
+        const auto goes = [&area] {
+            area.remove(0x61, 111);
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         };
+        boxes.whileOpen = goes;
         expectBox();
-        bench.form.start();
-        QVERIFY(bench.connectLine());
-        QVERIFY(QTest::qWaitFor([&] { return boxes.seen() == 1; }, MonitorBench::kPatienceMs));
-        QTRY_COMPARE(bench.panels(), QStringList{QStringLiteral("0-0x62")});
+        area.add(0x61, 111);
+        QCOMPARE(area.windows(), QStringList{QStringLiteral("0-0x62")});
 
         // The same when its panel is opened again.
-        const auto whileOpen = std::exchange(boxes.whileOpen, nullptr);
+        boxes.whileOpen = nullptr;
         expectBox();
-        bench.form.stop();
-        bench.line.plug(sensor);
-        bench.form.start(); // begins a sweep afresh
-        QVERIFY(bench.connectLine());
-        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x61"), QStringLiteral("0/0x62")}));
-        QTRY_VERIFY(boxes.satisfied());
-        QVERIFY(bench.panel("0-0x61")->parentWidget()->close());
-        QTRY_VERIFY(!bench.panel("0-0x61"));
-        boxes.whileOpen = whileOpen;
+        area.add(0x61, 111);
+        area.closeLast();
+        boxes.whileOpen = goes;
         expectBox();
-        auto *tree = bench.form.findChild<QTreeWidget *>();
-        const auto items =
-            tree->findItems(QStringLiteral("0/0x61/"), Qt::MatchStartsWith | Qt::MatchRecursive);
-        Q_EMIT tree->itemClicked(items.value(0), 0);
-        QTRY_COMPARE(bench.panels(), QStringList{QStringLiteral("0-0x62")});
+        area.click(0, 1);
+        QCOMPARE(area.windows(), QStringList{QStringLiteral("0-0x62")});
         QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
     }
 

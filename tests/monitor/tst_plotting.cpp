@@ -4,6 +4,7 @@
 #include "tests/monitor/monitor_bench.h"
 
 #include "app/class_settings.h"
+#include "monitor/PlotOutput.h"
 #include "monitor/class_tcp.h"
 #include "monitor/tcp_record.h"
 #include "panel/recording_folder.h"
@@ -168,6 +169,31 @@ private Q_SLOTS:
         QCOMPARE(tcpRecord(static_cast<TcpFormat>(-1), decoder), QByteArray());
         decoder.rawList = {QStringLiteral("x")};
         QCOMPARE(tcpRecord(TcpFormat::JustFloat, decoder).left(4), QByteArray(4, '\0'));
+    }
+
+    void sendsTheLastActiveViewAsLongAsItLives()
+    {
+        struct View : QWidget, class_finger
+        {
+            View()
+                : class_finger(0xFF, nullptr)
+            {}
+        };
+        PlotOutput output;
+        Peer peer;
+        output.connectOrDisconnect(QStringLiteral("127.0.0.1"), peer.server.serverPort());
+        QVERIFY(peer.server.waitForNewConnection(MonitorBench::kPatienceMs));
+        QTcpSocket *socket = peer.server.nextPendingConnection();
+        auto view = std::make_unique<View>();
+        view->rawList = {QStringLiteral("5")};
+        output.send(TcpFormat::FireWater, nullptr);
+        output.send(TcpFormat::FireWater, view.get());
+        output.send(TcpFormat::FireWater, nullptr);
+        view.reset();
+        output.send(TcpFormat::FireWater, nullptr);
+        output.connectOrDisconnect({}, 0);
+        QTRY_COMPARE(socket->state(), QAbstractSocket::UnconnectedState);
+        QCOMPARE(socket->readAll(), QByteArray("5\r\n5\r\n"));
     }
 
     void deliversAndHears()
