@@ -2,8 +2,8 @@
 // to and closing a file, each in one run.
 
 #include "bench/offscreen.h"
-#include "panel/SampleRecorder.h"
 #include "panel/fingerForm.h"
+#include "recording/SampleRecorder.h"
 #include "views/class_finger.h"
 
 #include <QApplication>
@@ -118,7 +118,7 @@ void benchRecording()
     std::vector<double> ours;
     std::vector<double> bare;
     for (int round = 0; round < kRounds; ++round) {
-        ours.push_back(microsecondsEach([&](int) { recorder.append(decoder); }));
+        ours.push_back(microsecondsEach([&](int) { recorder.append(decoder.sample()); }));
         bare.push_back(microsecondsEach([&](int) {
             QFile file(barePath);
             if (file.open(QIODevice::Append | QIODevice::Text))

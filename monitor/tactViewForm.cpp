@@ -8,7 +8,7 @@
 #include "monitor/PlotOutput.h"
 #include "monitor/folder_opener.h"
 #include "panel/fingerForm.h"
-#include "panel/recording_folder.h"
+#include "recording/recording_folder.h"
 
 #include <QCoreApplication>
 #include <QProcess>

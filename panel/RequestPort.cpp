@@ -8,10 +8,17 @@ RequestPort::RequestPort(Send send)
     : m_send(std::move(send))
 {}
 
-void RequestPort::open(uint8_t frameAddress)
+void RequestPort::open(uint8_t frameAddress, int channelCount)
 {
     m_frameAddress = frameAddress;
+    m_channelCount = channelCount;
     m_open = true;
+}
+
+void RequestPort::close()
+{
+    m_open = false;
+    forgetChannels();
 }
 
 void RequestPort::request(Command command, const RequestPayload &payload, uint16_t rspLen)
@@ -22,6 +29,11 @@ void RequestPort::request(Command command, const RequestPayload &payload, uint16
 void RequestPort::request(Command command, const RequestPayload &payload)
 {
     request(command, payload, class_sensorCmd::getRspLen(static_cast<uint8_t>(command)));
+}
+
+void RequestPort::requestPerChannel(Command command, int bytesPerChannel)
+{
+    request(command, {}, static_cast<uint16_t>(bytesPerChannel * m_channelCount + kFrameOverhead));
 }
 
 void RequestPort::longRequest(Command command, const QByteArray &payload)

@@ -20,13 +20,19 @@ public:
 
     explicit RequestPort(Send send);
 
-    /// From now on requests leave. frameAddress: byte 2 of each, as the sensor gave it in its sample frame.
-    void open(uint8_t frameAddress);
-    void close() { m_open = false; }
+    /// From now on requests leave. frameAddress: byte 2 of each, as the sensor gave it in its sample frame;
+    /// channelCount: channels of its model.
+    void open(uint8_t frameAddress, int channelCount);
+    void close();
+    /// The sensor has gone: no channels any more.
+    void forgetChannels() { m_channelCount = 0; }
+    int channelCount() const { return m_channelCount; }
 
     void request(Command command, const RequestPayload &payload, uint16_t rspLen);
     /// With the catalogue's response length.
     void request(Command command, const RequestPayload &payload = {});
+    /// For a response of so many bytes a channel.
+    void requestPerChannel(Command command, int bytesPerChannel);
     /// A frame of another length than the usual.
     void longRequest(Command command, const QByteArray &payload);
 
@@ -35,5 +41,6 @@ private:
 
     Send m_send;
     uint8_t m_frameAddress = 0;
+    int m_channelCount = 0;
     bool m_open = true;
 };

@@ -1,5 +1,6 @@
 #include "panel/cell_edit.h"
 
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QTableWidget>
 
@@ -21,4 +22,22 @@ void refillCellEdit(QLineEdit *edit, const QString &text)
     const bool typing = edit->hasFocus() && edit->isModified();
     if (!typing && edit->text() != text)
         edit->setText(text);
+}
+
+// An edit that was typed into is finished when the focus leaves it, and would send even then.
+void emptyTable(QTableWidget *table)
+{
+    for (QLineEdit *edit : table->findChildren<QLineEdit *>())
+        edit->blockSignals(true);
+    table->clear();
+    table->setRowCount(0);
+    table->setColumnCount(0);
+}
+
+void stretchHeaders(QTableWidget *table, bool hidden)
+{
+    for (QHeaderView *header : {table->horizontalHeader(), table->verticalHeader()}) {
+        header->setSectionResizeMode(QHeaderView::Stretch);
+        header->setHidden(hidden);
+    }
 }

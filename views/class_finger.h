@@ -64,6 +64,8 @@ public:
     /// Decodes one frame: 0 accepted, 1 wrong length, 2 wrong header, command byte or sum, 3 no catalogue row. A frame
     /// that is not accepted leaves lists and numbers as the last accepted one made them.
     unsigned char parseData(QByteArray data);
+    /// The latest accepted frame; empty before the first.
+    const Sample &sample() const { return m_sample; }
 
     /// Whether the numbers are to be shown in the picture; told by the panel, never by the decoder.
     virtual void setShowData(bool) {}

@@ -7,7 +7,7 @@
 #include "monitor/PlotOutput.h"
 #include "monitor/class_tcp.h"
 #include "monitor/tcp_record.h"
-#include "panel/recording_folder.h"
+#include "recording/recording_folder.h"
 #include "tests/support/log_capture.h"
 
 #include <QDir>

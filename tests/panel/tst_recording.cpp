@@ -2,7 +2,7 @@
 
 #include "tests/panel/panel_bench.h"
 
-#include "panel/recording_folder.h"
+#include "recording/recording_folder.h"
 #include "tests/support/log_capture.h"
 
 #include <QCheckBox>
@@ -103,7 +103,7 @@ int recordForEver(const QString &folder)
     SampleRecorder recorder(folder, 0, 0x61);
     for (uint8_t counter = 0;; ++counter) {
         decoder.parseData(PanelBench::fingerFrame(counter, kChannels));
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
     }
 }
 
@@ -221,7 +221,7 @@ private Q_SLOTS:
         QTranslator english;
         QVERIFY(english.load(QStringLiteral(":/en.qm")));
         QCoreApplication::installTranslator(&english);
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
         const QStringList files = recordings(folder.path());
         QVERIFY(files.value(0).endsWith(QStringLiteral("__6__0x07.csv")));
         QCOMPARE(lines(files.first()).at(0),
@@ -236,15 +236,15 @@ private Q_SLOTS:
         Decoder decoder;
         SampleRecorder recorder(folder, 0, 0x61);
         const LogCapture log;
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
         QCOMPARE(log.lines(), QStringList{QStringLiteral("文件夹打开失败")});
         QVERIFY(QDir(parent.path()).mkdir(QStringLiteral("data")));
-        recorder.append(decoder);
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
+        recorder.append(decoder.sample());
         const QString file = recordings(folder).value(0);
         QCOMPARE(lines(file).size(), 3);
         QVERIFY(QFile::remove(file));
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
         QCOMPARE(recordings(folder), QStringList{file});
         QCOMPARE(lines(file).size(), 2);
     }
@@ -258,22 +258,22 @@ private Q_SLOTS:
         {
             // Room for a part of the first two lines, which go out together.
             const FullDisk disk(100);
-            recorder.append(decoder);
+            recorder.append(decoder.sample());
             QCOMPARE(contents(recordings(folder.path()).value(0)), QByteArray());
         }
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
         const QString file = recordings(folder.path()).value(0);
         const QByteArray before = contents(file);
         QCOMPARE(lines(file).size(), 2);
         log.clear();
         {
             const FullDisk disk(static_cast<rlim_t>(before.size()) + 20);
-            recorder.append(decoder);
-            recorder.append(decoder);
+            recorder.append(decoder.sample());
+            recorder.append(decoder.sample());
         }
         QCOMPARE(contents(file), before);
         QCOMPARE(log.count(QStringLiteral("文件夹打开失败")), 2);
-        recorder.append(decoder);
+        recorder.append(decoder.sample());
         QCOMPARE(lines(file).size(), 3);
         QCOMPARE(afterTime(lines(file).last()), "1," + kValues);
     }

@@ -1,6 +1,6 @@
-#include "panel/SampleRecorder.h"
+#include "recording/SampleRecorder.h"
 
-#include "views/class_finger.h"
+#include "protocol/sample.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -38,16 +38,17 @@ void appendBlockHeadings(QByteArray &line, int count)
     }
 }
 
-QByteArray headerLine(const class_finger &view)
+// One column short of the lines below: the first heading stands for time and counter.
+QByteArray headerLine(const Sample &sample)
 {
     QByteArray line;
     appendText(line, QObject::tr("序号"));
-    appendHeadings(line, QObject::tr(",通道"), view.rawList.size());
-    appendBlockHeadings(line, view.yddsList.size());
-    appendHeadings(line, QObject::tr(",自电容接近"), view.sProxList.size());
-    appendHeadings(line, QObject::tr(",互电容接近"), view.mProxList.size());
-    if (!view.statusList.isEmpty())
-        appendText(line, QObject::tr(",状态") + view.statusList.first());
+    appendHeadings(line, QObject::tr(",通道"), sample.channels.size());
+    appendBlockHeadings(line, sample.blocks.size());
+    appendHeadings(line, QObject::tr(",自电容接近"), sample.selfProximity.size());
+    appendHeadings(line, QObject::tr(",互电容接近"), sample.mutualProximity.size());
+    for (const SampleNumber &status : sample.status)
+        appendText(line, QObject::tr(",状态") + status.text);
     return line + kLineEnd;
 }
 
@@ -57,25 +58,25 @@ void appendValue(QByteArray &line, const QString &value)
     appendText(line, value);
 }
 
-void appendValues(QByteArray &line, const QVector<QString> &values)
+void appendValues(QByteArray &line, const QVector<SampleNumber> &numbers)
 {
-    for (const QString &value : values)
-        appendValue(line, value);
+    for (const SampleNumber &number : numbers)
+        appendValue(line, number.text);
 }
 
-void appendDataLine(QByteArray &line, const class_finger &view)
+void appendDataLine(QByteArray &line, const Sample &sample)
 {
-    line += QByteArray::number(QDateTime::currentMSecsSinceEpoch()) + ',' + QByteArray::number(view.seq);
-    appendValues(line, view.rawList);
-    for (const auto &block : view.yddsList) {
-        appendValue(line, block.normal);
-        appendValue(line, block.tangential);
-        appendValue(line, block.direction);
+    line +=
+        QByteArray::number(QDateTime::currentMSecsSinceEpoch()) + ',' + QByteArray::number(sample.counter);
+    appendValues(line, sample.channels);
+    for (const SampleBlock &block : sample.blocks) {
+        appendValue(line, block.normalText);
+        appendValue(line, block.tangentialText);
+        appendValue(line, block.directionText);
     }
-    appendValues(line, view.sProxList);
-    appendValues(line, view.mProxList);
-    if (!view.statusList.isEmpty())
-        appendValue(line, view.statusList.first());
+    appendValues(line, sample.selfProximity);
+    appendValues(line, sample.mutualProximity);
+    appendValues(line, sample.status);
     line += kLineEnd;
 }
 
@@ -103,7 +104,7 @@ QString SampleRecorder::newFileName() const
            QString::asprintf("__%d__0x%02X.csv", m_infIdx + 1, m_addr);
 }
 
-bool SampleRecorder::append(const class_finger &view)
+bool SampleRecorder::append(const Sample &sample)
 {
     if (saveFileName.isEmpty())
         saveFileName = newFileName();
@@ -117,9 +118,9 @@ bool SampleRecorder::append(const class_finger &view)
     QByteArray line;
     if (size == 0) {
         qDebug("creat save file");
-        line = headerLine(view);
+        line = headerLine(sample);
     }
-    appendDataLine(line, view);
+    appendDataLine(line, sample);
     const bool written = appendWhole(file, size, line);
     if (!written)
         qDebug("%s", kFailure);

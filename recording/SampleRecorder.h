@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QByteArray>
 #include <QString>
 
 #include <cstdint>
 
-class class_finger;
+struct Sample;
 
 /// Appends the samples of one sensor to a comma-separated file, one file a run.
 ///
@@ -20,10 +19,9 @@ public:
     /// infIdx: bus entry from 0; the file name counts from 1.
     SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t addr);
 
-    /// Appends what the view holds. Starts a file when no run is on. A sample that cannot be written is lost with a log
-    /// line; the run goes on, and the
-    /// answer is false.
-    bool append(const class_finger &view);
+    /// Appends a sample; starts a file when no run is on. False for a sample that could not be written: it is lost with a
+    /// log line and the run goes on.
+    bool append(const Sample &sample);
     /// The next sample starts a new file.
     void endRun() { saveFileName.clear(); }
 

@@ -1,4 +1,4 @@
-#include "panel/recording_folder.h"
+#include "recording/recording_folder.h"
 
 #include <QCoreApplication>
 #include <QDir>
