@@ -9,8 +9,8 @@
 
 /// What becomes of an answer, by the command of its request.
 ///
-/// The table comes with the commands whose answer says no more than whether they were carried out; whoever shows values
-/// adds a row for each.
+/// The table comes with the commands whose answer says no more than whether they were carried out; whoever
+/// shows values adds a row for each.
 class AnswerTable
 {
 public:
@@ -20,13 +20,14 @@ public:
 
     /// The handler may delete the table.
     void add(Command command, Handler handler);
-    /// Logs both frames and calls the handler of the request's command. May open a box, which runs the event loop.
+    /// Logs both frames and calls the handler of the request's command. May open a box, which runs the event
+    /// loop.
     void take(const QByteArray &req, const QByteArray &rsp) const;
 
 private:
     std::map<Command, Handler> m_handlers;
 };
 
-/// Logs the status of an acknowledgement; a box tells the user of one that is not 0. A short one has no status and counts
-/// as good.
+/// Logs the status of an acknowledgement; a box tells the user of one that is not 0. A short one has no
+/// status and counts as good.
 void acknowledge(const QByteArray &req, const QByteArray &rsp);

@@ -14,8 +14,8 @@ namespace Ui {
 class fingerForm;
 }
 
-/// The calibration page: a curve of raw values over fixed force points for each calibrated channel, which are the single
-/// force channels and behind them the three-dimensional blocks.
+/// The calibration page: a curve of raw values over fixed force points for each calibrated channel, which are
+/// the single force channels and behind them the three-dimensional blocks.
 class CalibrationPage : public QObject
 {
 public:

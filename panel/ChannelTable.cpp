@@ -203,7 +203,8 @@ void ChannelTable::setFilter(const QVector<unsigned char> &first, const QVector<
     }
 }
 
-// The edits that placeFilterRow() placed; null for those that are not there, as after a change of the columns.
+// The edits that placeFilterRow() placed; null for those that are not there, as after a change of the
+// columns.
 ChannelTable::FilterEdits ChannelTable::filterRow(int row) const
 {
     const std::array<int, 3> columns = {kFilterFirst, kFilterSecond, kFilterThird};
@@ -216,7 +217,8 @@ ChannelTable::FilterEdits ChannelTable::filterRow(int row) const
     return edits;
 }
 
-// The three values of a row go out together, so an edit without a column of its own lives on unseen with the first.
+// The three values of a row go out together, so an edit without a column of its own lives on unseen with the
+// first.
 void ChannelTable::placeFilterRow(int row, const FilterEdits &edits)
 {
     for (size_t i = 0; i < edits.size(); ++i) {

@@ -13,8 +13,8 @@ class RequestPort;
 
 /// The table of channel parameters: one row a channel, one column a parameter.
 ///
-/// Cells come with the first values of their column. Finishing an edit sends the cell's parameter; a column that the table
-/// does not have is neither read nor shown.
+/// Cells come with the first values of their column. Finishing an edit sends the cell's parameter; a column
+/// that the table does not have is neither read nor shown.
 class ChannelTable : public QObject
 {
 public:

@@ -16,8 +16,8 @@ namespace Ui {
 class fingerForm;
 }
 
-/// The single parameters of a sensor: what their controls send, what they show of the answers, and the countdown of
-/// procedures that the sensor goes through alone.
+/// The single parameters of a sensor: what their controls send, what they show of the answers, and the
+/// countdown of procedures that the sensor goes through alone.
 class ParameterPage : public QObject
 {
 public:

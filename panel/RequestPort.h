@@ -10,8 +10,8 @@
 
 /// Where all requests of one panel leave, as finished frames.
 ///
-/// A closed port drops what it is asked for: without a model the frame address is unknown, and the general address
-/// would command every sensor on the line.
+/// A closed port drops what it is asked for: without a model the frame address is unknown, and the general
+/// address would command every sensor on the line.
 class RequestPort
 {
 public:

@@ -18,7 +18,8 @@ public:
 
     void addCells(const finger_info_ts &model);
     void clearSensorChannelWg();
-    /// Every string of a sample, in frame order. The first of them are the channels, which also tell touch by colour.
+    /// Every string of a sample, in frame order. The first of them are the channels, which also tell touch by
+    /// colour.
     void show(const QVector<QString> &values);
 
 private:

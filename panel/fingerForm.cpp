@@ -191,8 +191,8 @@ void fingerForm::offerParameters(bool offered)
         ui->tabWidget->setTabEnabled(ui->tabWidget->indexOf(page), offered);
 }
 
-// False when there is no view for the program id, and when the panel did not outlive the box that a view without a
-// catalogue row opens.
+// False when there is no view for the program id, and when the panel did not outlive the box that a view
+// without a catalogue row opens.
 bool fingerForm::buildView(uint8_t program)
 {
     const QPointer<fingerForm> self(this);
@@ -228,8 +228,8 @@ void fingerForm::sl_updateData(uint8_t inf, uint8_t address, QVector<uint8_t> pa
 {
     if (!isMine(inf, address) || !ff)
         return;
-    // The decoder keeps nothing of the frame, so it may look at it where it is. What it refuses is sent and recorded
-    // like the sample before.
+    // The decoder keeps nothing of the frame, so it may look at it where it is. What it refuses is sent and
+    // recorded like the sample before.
     ff->parseData(QByteArray::fromRawData(reinterpret_cast<const char *>(pack.constData()), pack.size()));
     Q_EMIT si_sendDataStrList(infIdx, addr, ff->dataList);
     save();

@@ -21,9 +21,10 @@ class fingerForm;
 
 /// The control panel of one sensor: its view, its values, its parameters.
 ///
-/// A panel is known for life by bus entry and bus address. All panels hang on the same signals of the worker, and every
-/// slot that is given another bus entry or address returns at once. Requests leave as finished frames through
-/// si_cmdReq1() and nothing here waits for an answer. GUI thread only; closing a panel deletes it.
+/// A panel is known for life by bus entry and bus address. All panels hang on the same signals of the worker,
+/// and every slot that is given another bus entry or address returns at once. Requests leave as finished
+/// frames through si_cmdReq1() and nothing here waits for an answer. GUI thread only; closing a panel deletes
+/// it.
 class fingerForm : public QWidget
 {
     Q_OBJECT
@@ -54,8 +55,8 @@ public:
     /// Fills column `ch` of the calibration table from one raw value for each force point.
     void setCaliCh(unsigned char ch, const QVector<unsigned int> &curve);
 
-    /// Each fills columns of the channel table from one value a channel; vectors of another length than the table change
-    /// nothing.
+    /// Each fills columns of the channel table from one value a channel; vectors of another length than the
+    /// table change nothing.
     void setThreshold(const QVector<unsigned int> &values);
     void setTimeout(const QVector<unsigned int> &values);
     void setExcF(const QVector<unsigned char> &values);
@@ -80,8 +81,8 @@ public Q_SLOTS:
     void sl_cmdRsp(uint8_t inf, uint8_t address, QByteArray req, QByteArray rsp);
     /// A request without a usable answer shows nothing to the user.
     void sl_cmdRspErr(uint8_t inf, uint8_t address, QByteArray req, QByteArray rsp);
-    /// Builds view, cells and tables for a sensor and asks it who it is. May open a box and with it an event loop, in
-    /// which the panel may be deleted.
+    /// Builds view, cells and tables for a sensor and asks it who it is. May open a box and with it an event
+    /// loop, in which the panel may be deleted.
     void sl_connectedFinger(uint8_t inf, uint8_t address, sensor_ts info);
 
 private:

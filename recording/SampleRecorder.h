@@ -8,8 +8,8 @@ struct Sample;
 
 /// Appends the samples of one sensor to a comma-separated file, one file a run.
 ///
-/// Every line is written by one operation between an open and a close, so that a crash loses at most the sample in
-/// hand. A line that does not fit on the disk is taken back whole.
+/// Every line is written by one operation between an open and a close, so that a crash loses at most the
+/// sample in hand. A line that does not fit on the disk is taken back whole.
 class SampleRecorder
 {
 public:
@@ -19,8 +19,8 @@ public:
     /// infIdx: bus entry from 0; the file name counts from 1.
     SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t addr);
 
-    /// Appends a sample; starts a file when no run is on. False for a sample that could not be written: it is lost with a
-    /// log line and the run goes on.
+    /// Appends a sample; starts a file when no run is on. False for a sample that could not be written: it is
+    /// lost with a log line and the run goes on.
     bool append(const Sample &sample);
     /// The next sample starts a new file.
     void endRun() { saveFileName.clear(); }

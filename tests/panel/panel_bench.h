@@ -1,59 +1,67 @@
 #pragma once
 
 #include "panel/fingerForm.h"
-#include "views/class_finger.h"
 
-#include <QApplication>
+#include <QAbstractButton>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTableWidget>
 
-#include <memory>
-
-/// A panel without a worker: what it sends is kept as text, what a sensor would say is handed to its slots.
-class PanelBench
+/// A panel without a worker, attached to a model: what it sends is kept as text, what a sensor would say is
+/// handed to its slots.
+struct PanelBench
 {
-public:
-    static constexpr uint8_t kInf = 0;
-    static constexpr uint8_t kAddr = 0x61;
-    static constexpr uint8_t kType = 0x03;
+    static constexpr uint8_t kFinger = 2; ///< eight channels, one block with its proximity inside
+    static constexpr uint8_t kSmall = 31; ///< four channels, one block, twelve points
 
-    PanelBench()
-        : panel(new fingerForm(kInf, kAddr))
+    explicit PanelBench(uint8_t prg = kFinger)
     {
         QObject::connect(panel, &fingerForm::si_cmdReq1, panel,
                          [this](uint8_t inf, uint8_t addr, const QByteArray &cmd, uint16_t rspLen) {
-                             Q_ASSERT(inf == kInf && addr == kAddr);
+                             Q_ASSERT(inf == 0 && addr == 0x61);
                              sent += QString::fromLatin1(cmd.toHex()) + QLatin1Char('/') +
                                      QString::number(rspLen);
                          });
+        attach(prg);
+        sent.clear();
     }
     ~PanelBench() { delete panel; }
-    PanelBench(const PanelBench &) = delete;
-    PanelBench &operator=(const PanelBench &) = delete;
+    Q_DISABLE_COPY(PanelBench)
 
     void attach(uint8_t prg, int packLen = 0)
     {
         sensor_ts info;
-        info.infIdx = kInf;
-        info.addr = kAddr;
-        info.type = kType;
+        info.addr = 0x61;
+        info.type = 3;
         info.prg = prg;
         info.pack.resize(packLen);
-        panel->sl_connectedFinger(kInf, kAddr, info);
+        panel->sl_connectedFinger(0, 0x61, info);
     }
-    /// What was sent since the last call, as "hex/rspLen".
-    QStringList takeSent() { return std::exchange(sent, {}); }
+    /// What was sent since the last call, as "hex/rspLen", a blank between two.
+    QString takeSent() { return std::exchange(sent, {}).join(QLatin1Char(' ')); }
 
-    /// An answer in hex without its sum.
-    void answer(const QString &request, const QString &responseWithoutSum)
+    /// An answer to a request whose bytes from the command on are given in hex, as are those of the answer.
+    void answer(const QByteArray &request, const QByteArray &response)
     {
-        panel->sl_cmdRsp(kInf, kAddr, QByteArray::fromHex(request.toLatin1()),
-                         sealed(QByteArray::fromHex(responseWithoutSum.toLatin1())));
+        panel->sl_cmdRsp(0, 0x61, QByteArray::fromHex("aa5503" + request + "00000000"),
+                         sealed(QByteArray::fromHex("55aa03" + response)));
     }
-    void sample(const QByteArray &frame)
+    void sample(int counter, int bytes = 62)
     {
-        QVector<uint8_t> pack;
+        QByteArray frame = QByteArray::fromHex("55aa0385");
+        frame += static_cast<char>(counter);
+        // Channels 3, 2, -3, 0, 1, 1000001, 6, 7; 1.25 N, 0.5 N, 90 degrees; proximity 7.
+        frame += QByteArray::fromHex("000300000002000000fdffffff000000000100000041420f000600000007000000"
+                                     "0000a03f000000000000003f000000005a0007000000");
+        const QByteArray pack = sealed(frame).left(bytes);
+        panel->sl_updateData(0, 0x61, QVector<uint8_t>(pack.begin(), pack.end()));
+    }
+    static QByteArray sealed(QByteArray frame)
+    {
+        unsigned int sum = 0;
         for (const char byte : frame)
-            pack += static_cast<uint8_t>(byte);
-        panel->sl_updateData(kInf, kAddr, pack);
+            sum += static_cast<uint8_t>(byte);
+        return frame + static_cast<char>(sum & 0xFFU) + static_cast<char>(sum >> 8U & 0xFFU);
     }
 
     template<typename Widget>
@@ -63,44 +71,17 @@ public:
         Q_ASSERT(widget);
         return widget;
     }
-
-    /// Widgets of the page of values, in the order of the cells. A view may have cells of its own.
-    template<typename Widget>
-    QList<Widget *> cells(const char *name) const
+    QString click(const char *button)
     {
-        return get<QWidget>("sawgDataList")->findChildren<Widget *>(QLatin1String(name));
+        get<QAbstractButton>(button)->click();
+        return takeSent();
+    }
+    QString text(const char *label) const { return get<QWidget>(label)->property("text").toString(); }
+    QLineEdit *cell(const char *table, int row, int column) const
+    {
+        return qobject_cast<QLineEdit *>(get<QTableWidget>(table)->cellWidget(row, column));
     }
 
-    static QByteArray sealed(QByteArray frame)
-    {
-        unsigned int sum = 0;
-        for (const char byte : frame)
-            sum += static_cast<uint8_t>(byte);
-        frame += static_cast<char>(sum & 0xFFU);
-        frame += static_cast<char>(sum >> 8U & 0xFFU);
-        return frame;
-    }
-    /// A frame of the 62-byte model with 8 channels, one block, its proximity in the block.
-    static QByteArray fingerFrame(uint8_t counter, const QVector<int32_t> &channels, uint32_t proximity = 7)
-    {
-        QByteArray frame = QByteArray::fromHex("55aa0385");
-        frame += static_cast<char>(counter);
-        frame += '\0';
-        for (const int32_t value : channels)
-            appendWord(frame, static_cast<uint32_t>(value));
-        // 1.25 N normal, 0.5 N tangential, 90 degrees.
-        frame += QByteArray::fromHex("0000a03f000000000000003f000000005a00");
-        appendWord(frame, proximity);
-        return sealed(frame);
-    }
-
-    fingerForm *panel;
+    QPointer<fingerForm> panel = new fingerForm(0, 0x61);
     QStringList sent;
-
-private:
-    static void appendWord(QByteArray &frame, uint32_t word)
-    {
-        for (unsigned int shift = 0; shift < 32; shift += 8)
-            frame += static_cast<char>(word >> shift & 0xFFU);
-    }
 };
