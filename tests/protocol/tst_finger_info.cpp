@@ -1,4 +1,5 @@
 #include "protocol/finger_info.h"
+#include "protocol/sample.h"
 
 #include <QCryptographicHash>
 #include <QString>
@@ -16,15 +17,11 @@ private Q_SLOTS:
 
 void tst_finger_info::rowsAreConsistent()
 {
-    constexpr int kBlockLengths[] = {-1, -1, 22, 4, 6, 10}; // by format
     for (const finger_info_ts &row : finger_infos) {
         QVERIFY(row.yddsFmt >= 2 && row.yddsFmt <= 5);
-        const int block = kBlockLengths[row.yddsFmt];
-        const int selfProximity = row.yddsFmt == 2 ? 0 : 3 * row.sProxNum;
         QVERIFY(row.chBytes == 3 || row.chBytes == 4);
         QVERIFY(row.forceChNum + row.sProxNum + row.mProxNum == row.chNum);
-        QVERIFY(row.packLen == 6 + row.chBytes * row.chNum + block * row.yddsNum + selfProximity +
-                                   3 * row.mProxNum + row.hasStatus + 2);
+        QCOMPARE(sampleLength(row, sampleBlockLength(row.yddsFmt)), row.packLen);
         QVERIFY(row.packLen <= 189 && row.range > 0 && row.caliNum > 0);
     }
 }
