@@ -4,6 +4,7 @@
 
 #include <QtEndian>
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -80,17 +81,24 @@ bool isSample(const QByteArray &data)
            frameSumFits(data);
 }
 
+/// The elements of a list of `count`. What is there is written over, which costs less than building it anew.
+template<typename Element>
+Element *places(QVector<Element> &list, int count)
+{
+    list.resize(count);
+    return list.data();
+}
+
 const uint8_t *decodeChannels(const uint8_t *bytes, const finger_info_ts &row, Sample &sample)
 {
-    sample.channels.clear();
-    sample.forces.clear();
-    sample.forces.reserve(row.forceChNum);
+    SampleNumber *numbers = places(sample.channels, row.chNum);
+    float *forces = places(sample.forces, std::min(row.chNum, row.forceChNum));
     for (int i = 0; i < row.chNum; ++i, bytes += row.chBytes) {
         const uint32_t value = littleEndian(bytes, row.chBytes);
         const auto raw = static_cast<int32_t>(value);
-        sample.channels.append({value, QString::number(raw)});
+        numbers[i] = {value, QString::number(raw)};
         if (i < row.forceChNum)
-            sample.forces.append(channelForce(raw));
+            forces[i] = channelForce(raw);
     }
     return bytes;
 }
@@ -98,21 +106,19 @@ const uint8_t *decodeChannels(const uint8_t *bytes, const finger_info_ts &row, S
 const uint8_t *decodeBlocks(const uint8_t *bytes, const finger_info_ts &row, uint8_t blockBytes,
                             Sample &sample)
 {
-    sample.blocks.clear();
     const bool known = sampleBlockLength(row.yddsFmt) != 0;
-    for (int i = 0; i < row.yddsNum; ++i, bytes += blockBytes) {
-        if (known)
-            sample.blocks.append(decodeBlock(row.yddsFmt, bytes));
-    }
-    return bytes;
+    SampleBlock *blocks = places(sample.blocks, known ? row.yddsNum : 0);
+    for (int i = 0; i < sample.blocks.size(); ++i)
+        blocks[i] = decodeBlock(row.yddsFmt, bytes + i * blockBytes);
+    return bytes + row.yddsNum * blockBytes;
 }
 
 const uint8_t *decodeProximity(const uint8_t *bytes, int count, QVector<SampleNumber> &list)
 {
-    list.clear();
+    SampleNumber *numbers = places(list, count);
     for (int i = 0; i < count; ++i, bytes += kProximityBytes) {
         const uint32_t value = littleEndian(bytes, kProximityBytes);
-        list.append({value, QString::number(value)});
+        numbers[i] = {value, QString::number(value)};
     }
     return bytes;
 }
@@ -159,8 +165,7 @@ SampleRefusal decodeSample(const QByteArray &data, const finger_info_ts &row, ui
     const uint8_t *next = decodeBlocks(firstBlock, row, blockBytes, sample);
     if (row.yddsFmt == kFormatWithProximity) {
         const uint32_t value = littleEndian(firstBlock + kProximityInBlock, 4);
-        sample.selfProximity.clear();
-        sample.selfProximity.append({value, QString::number(value)});
+        *places(sample.selfProximity, 1) = {value, QString::number(value)};
     } else {
         next = decodeProximity(next, row.sProxNum, sample.selfProximity);
     }

@@ -11,16 +11,16 @@
 /// A number of a sample frame and its decimal text.
 struct SampleNumber
 {
-    uint32_t value;
+    uint32_t value = 0;
     QString text;
 };
 
 /// A three-dimensional force block: newtons and their texts with two decimals, degrees.
 struct SampleBlock
 {
-    float normal;
-    float tangential;
-    uint16_t direction;
+    float normal = 0;
+    float tangential = 0;
+    uint16_t direction = 0;
     QString normalText;
     QString tangentialText;
     QString directionText;

@@ -1,4 +1,5 @@
 #include "sim/SimI2cBus.h"
+#include "tests/support/hex.h"
 
 #include <QtTest>
 
@@ -7,11 +8,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray hex(const char *text)
-{
-    return QByteArray::fromHex(text);
-}
 
 uint16_t crc(const QByteArray &data)
 {
@@ -69,9 +65,7 @@ class tst_sim_boot_loader : public QObject
 private Q_SLOTS:
     void init();
 
-    void resetEntersAndTimeLeaves();
     void checksFrames();
-    void actsByScript();
     void brokenUpdateWaitsForTheNext();
 
 private:
@@ -117,14 +111,6 @@ void tst_sim_boot_loader::init()
     QCOMPARE(exchange(kReset), '\x55'); // the answer to the reset
 }
 
-void tst_sim_boot_loader::resetEntersAndTimeLeaves()
-{
-    QCOMPARE(read(), 'C');
-    m_sensor->bootLoader().setWindow(1ms);
-    QTRY_COMPARE(read(), '\x55');
-    QVERIFY(!m_sensor->bootLoader().hasImage());
-}
-
 void tst_sim_boot_loader::checksFrames()
 {
     const QByteArray block = blocksOf(someImage(200)).first();
@@ -145,28 +131,6 @@ void tst_sim_boot_loader::checksFrames()
     QCOMPARE(exchange(header("a", -1)), '\x15');
     QCOMPARE(exchange(frame(0, QByteArray(128, 'a'), 128)), '\x15');
     QCOMPARE(exchange(header("a", 2000000)), '\x18');
-}
-
-void tst_sim_boot_loader::actsByScript()
-{
-    SimBootLoader &loader = m_sensor->bootLoader();
-    loader.schedule(SimBootAct::Nak, 1);
-    loader.schedule(SimBootAct::Silence, 2);
-    loader.schedule(SimBootAct::LostAck, 3);
-    loader.schedule(SimBootAct::Rubbish, 5);
-    loader.schedule(SimBootAct::Cancel, 6);
-    const QList<QByteArray> blocks = blocksOf(someImage(2048));
-    QCOMPARE(exchange(header("a", 2048)), '\x06');
-    QCOMPARE(exchange(blocks.at(0)), '\x15');
-    QCOMPARE(exchange(blocks.at(0)), 'C'); // it did not hear and asks on
-    QCOMPARE(exchange(blocks.at(0)), '\0');
-    QCOMPARE(exchange(blocks.at(0)), '\x06');
-    QCOMPARE(exchange(blocks.at(1)), '\x7E');
-    QCOMPARE(read(), '\x33');
-    QCOMPARE(exchange(blocks.at(1)), '\x18');
-    loader.schedule(SimBootAct::Nak, 1); // counted anew
-    QCOMPARE(exchange(header("a", 2048)), '\x06');
-    QCOMPARE(exchange(blocks.at(0)), '\x15');
 }
 
 void tst_sim_boot_loader::brokenUpdateWaitsForTheNext()

@@ -2,6 +2,7 @@
 #include "link/providers/invalid_handle.h"
 #include "sim/SimCh341.h"
 #include "sim/SimUsb.h"
+#include "tests/support/hex.h"
 
 #include <QtTest>
 
@@ -12,11 +13,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray hex(const char *text)
-{
-    return QByteArray::fromHex(text);
-}
 
 bool write341(const QByteArray &packet)
 {
@@ -66,11 +62,7 @@ private Q_SLOTS:
     void longReadInChunks();
     void absentTarget();
     void multiplexerSelects();
-    void resetPinClearsTheMultiplexer();
-    void brokenMultiplexer();
     void malformedPackets();
-    void transfersFailWhenTold();
-    void cablePulledInTheMiddle();
     void busTakesItsTime();
     void notificationPromise();
 
@@ -134,27 +126,6 @@ void tst_sim_bridges::multiplexerSelects()
              QByteArrayLiteral("55aa10850000")); // both pull: 0C and 20
 }
 
-void tst_sim_bridges::resetPinClearsTheMultiplexer()
-{
-    QVERIFY(write341(hex("AA7481E081107500")));
-    uint32_t status = 0;
-    QVERIFY(CH341GetInput(0, &status) != 0);
-    QCOMPARE(status & 0x400U, 0x400U);
-    QVERIFY(CH341SetOutput(0, 3, 0xFF00, status & ~0x400U) != 0);
-    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("ff")); // held in reset
-    QVERIFY(CH341SetOutput(0, 3, 0xFF00, status) != 0);
-    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("00"));
-}
-
-void tst_sim_bridges::brokenMultiplexer()
-{
-    m_bus->plug(quietSensor(0x1F, 0x10), 4);
-    m_bus->setChannelStuck(4, SimPca9548::Stuck::Connected);
-    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("55"));
-    m_bus->setMultiplexerDead(true);
-    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("ff"));
-}
-
 void tst_sim_bridges::malformedPackets()
 {
     for (const char *packet : {"7481E17500", "AA7481", "AA747576"})
@@ -162,29 +133,6 @@ void tst_sim_bridges::malformedPackets()
     QCOMPARE(m_ch341->malformedPackets(), 3);
     QVERIFY(read341(hex("AA7481E1C1E0C07500")).size() <= 33); // more than a segment may read
     QCOMPARE(m_ch341->malformedPackets(), 4);
-}
-
-void tst_sim_bridges::transfersFailWhenTold()
-{
-    m_bus->plug(quietSensor(0x1F, 0x10));
-    m_ch341->failTransfers(1, 1);
-    m_ch341->shortenReads(1);
-    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("55"));
-    QVERIFY(read341(hex("AA748121C1C07500")).isEmpty());
-    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("55aa"));
-}
-
-void tst_sim_bridges::cablePulledInTheMiddle()
-{
-    m_bus->plug(quietSensor(0x1F, 0x10));
-    m_ch341->pullOutAfter(12);
-    QVERIFY(read341(hex("AA748121DAC07500")).isEmpty());
-    QVERIFY(!m_ch341->isPlugged());
-    QVERIFY(CH341GetDeviceName(0) == nullptr);
-    m_usb->plug(m_ch341);
-    QVERIFY(!m_ch341->isOpen());
-    CH341OpenDevice(0);
-    QCOMPARE(read341(hex("AA748121DAC07500")).size(), 27);
 }
 
 void tst_sim_bridges::busTakesItsTime()

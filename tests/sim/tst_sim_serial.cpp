@@ -1,4 +1,5 @@
 #include "sim/SimSerialBus.h"
+#include "tests/support/hex.h"
 
 #include <QSerialPort>
 #include <QtTest>
@@ -9,11 +10,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray hex(const char *text)
-{
-    return QByteArray::fromHex(text);
-}
 
 /// A bus with a sensor at address 0x61, and a host's end of the line.
 class Line
@@ -53,8 +49,6 @@ private Q_SLOTS:
     void answersRequestsAmongNoise();
     void twoAtOneAddressSpoilEachOther();
     void hearsOnlyItsBaudRate();
-    void takesTheTimeOfTheLine();
-    void lateAnswersComeLater();
     void randomBytesAreRubbish();
 };
 
@@ -86,31 +80,6 @@ void tst_sim_serial::hearsOnlyItsBaudRate()
     QVERIFY(line.exchange(hex("619E"), 1, 50).isEmpty());
     line.port.setBaudRate(115200);
     QCOMPARE(line.exchange(hex("619E"), 27).size(), 27);
-}
-
-void tst_sim_serial::takesTheTimeOfTheLine()
-{
-    Line line(0x2B, 9600);
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(line.exchange(hex("619E"), 189).size(), 189);
-    QVERIFY(timer.elapsed() >= 191 * 10 * 1000 / 9600);
-
-    line.bus.setPaced(false);
-    timer.start();
-    QCOMPARE(line.exchange(hex("619E"), 189).size(), 189);
-    QVERIFY(timer.elapsed() < 190);
-}
-
-void tst_sim_serial::lateAnswersComeLater()
-{
-    Line line;
-    line.sensor->faults().setLateBy(120ms);
-    line.sensor->faults().schedule(SimFault::Late, SimTarget::samples());
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(line.exchange(hex("619E"), 27).size(), 27);
-    QVERIFY(timer.elapsed() >= 120);
 }
 
 void tst_sim_serial::randomBytesAreRubbish()
