@@ -41,11 +41,6 @@ bool resets(uint8_t command)
     return command == 0x77 || command == 0xA1;
 }
 
-double secondsBetween(SimTime from, SimTime to)
-{
-    return std::chrono::duration<double>(to - from).count();
-}
-
 } // namespace
 
 SimSensor::SimSensor(uint8_t programId, uint8_t address)
@@ -116,42 +111,36 @@ void SimSensor::setStatus(uint8_t status)
 
 void SimSensor::setMotion(SimMotion motion)
 {
-    change([&] { m_motion = std::move(motion); });
+    change([&] {
+        m_motion = std::move(motion);
+        m_counter.setResting(isResting());
+    });
 }
 
 void SimSensor::setSampleRateHz(double hz)
 {
-    change([&] {
-        rebaseCounter();
-        m_rateHz = hz;
-    });
+    change([&] { m_counter.setRateHz(hz); });
 }
 
 void SimSensor::step(int samples)
 {
-    change([&] { m_counterBase = static_cast<uint8_t>(m_counterBase + samples); });
+    change([&] { m_counter.step(samples); });
 }
 
 void SimSensor::setFrameCounter(uint8_t counter)
 {
-    change([&] {
-        m_counterBase = counter;
-        m_counterSince = SimClock::now();
-    });
+    change([&] { m_counter.restartAt(counter); });
 }
 
 void SimSensor::setFrozen(bool frozen)
 {
-    change([&] {
-        rebaseCounter();
-        m_frozen = frozen;
-    });
+    change([&] { m_counter.setFrozen(frozen); });
 }
 
 uint8_t SimSensor::frameCounter() const
 {
     const std::lock_guard lock(m_mutex);
-    return counterAt(SimClock::now());
+    return m_counter.now();
 }
 
 QByteArray SimSensor::sampleFrame() const
@@ -277,15 +266,16 @@ SimDelivery SimSensor::answer(const QByteArray &request)
     if (simReportsStatus(command) && m_refusals[command] != 0) {
         payload = simStatusPayload(m_refusals[command]);
     } else {
-        const auto upTime = static_cast<uint32_t>(secondsBetween(m_poweredAt, SimClock::now()));
-        payload = simExecute({m_model, m_settings, m_values.status, m_rateHz, upTime}, request);
+        const auto upTime = static_cast<uint32_t>(simSeconds(m_poweredAt, SimClock::now()));
+        payload = simExecute({m_model, m_settings, m_values.status, m_counter.rateHz(), upTime}, request);
     }
     if (!payload)
         return {};
     const QByteArray frame = simAnswerFrame(type(), command, *payload);
     if (command == 0x7F) {
-        rebaseCounter();
+        m_counter.rebase();
         m_sendTypeSet = true;
+        m_counter.setResting(isResting());
     }
     if (resets(command)) {
         startAfresh();
@@ -299,7 +289,7 @@ SimDelivery SimSensor::answer(const QByteArray &request)
 // A sensor holds one sample until it has made the next.
 const QByteArray &SimSensor::sample() const
 {
-    const uint8_t counter = counterAt(SimClock::now());
+    const uint8_t counter = m_counter.now();
     if (m_sample.isEmpty() || m_sampleCounter != counter) {
         m_sample = compose(counter);
         m_sampleCounter = counter;
@@ -317,7 +307,7 @@ SimValues SimSensor::currentValues() const
 {
     SimValues values = m_values;
     if (m_motion && !isResting())
-        m_motion(secondsBetween(m_made, SimClock::now()), m_model, values);
+        m_motion(simSeconds(m_made, SimClock::now()), m_model, values);
     for (std::size_t channel = 0; channel < values.channels.size(); ++channel) {
         if (m_settings.enabled[channel] == 0)
             values.channels[channel] = 0;
@@ -336,19 +326,6 @@ void SimSensor::applySendType(SimValues &values) const
         values.channels[channel] = static_cast<uint32_t>(400 + 2 * channel);
 }
 
-uint8_t SimSensor::counterAt(SimTime time) const
-{
-    const double moved = m_frozen || isResting() ? 0.0 : secondsBetween(m_counterSince, time) * m_rateHz;
-    return static_cast<uint8_t>(m_counterBase + static_cast<uint64_t>(moved));
-}
-
-void SimSensor::rebaseCounter()
-{
-    const SimTime now = SimClock::now();
-    m_counterBase = counterAt(now);
-    m_counterSince = now;
-}
-
 uint8_t SimSensor::type() const
 {
     return m_type.value_or(m_settings.address);
@@ -363,8 +340,8 @@ void SimSensor::startAfresh()
 {
     m_sample.clear();
     m_sendTypeSet = false;
-    m_counterBase = 0;
-    m_counterSince = SimClock::now();
-    m_poweredAt = m_counterSince;
+    m_counter.setResting(isResting());
+    m_counter.restartAt(0);
+    m_poweredAt = SimClock::now();
     m_waiting.clear();
 }

@@ -2,6 +2,7 @@
 
 #include "sim/SimBootLoader.h"
 #include "sim/SimClock.h"
+#include "sim/SimCounter.h"
 #include "sim/SimFaults.h"
 #include "sim/SimSettings.h"
 #include "sim/sim_frame.h"
@@ -108,8 +109,6 @@ private:
     QByteArray compose(uint8_t counter) const;
     SimValues currentValues() const;
     void applySendType(SimValues &values) const;
-    uint8_t counterAt(SimTime time) const;
-    void rebaseCounter();
     bool isResting() const { return m_motion && !m_sendTypeSet; }
     uint8_t type() const;
     bool inBootLoader() const;
@@ -124,10 +123,7 @@ private:
     SimSettings m_settings;
     SimValues m_values;
     SimMotion m_motion;
-    double m_rateHz = 200.0;
-    uint8_t m_counterBase = 0;
-    SimTime m_counterSince = SimClock::now();
-    bool m_frozen = false;
+    SimCounter m_counter;
     uint8_t m_firstMark = 0x85;
     FirstLook m_firstLook = FirstLook::UntilSendType;
     bool m_sendTypeSet = false;
