@@ -4,6 +4,7 @@
 #include "tests/views/view_probe.h"
 #include "views/gauge_painting.h"
 #include "views/models/fingerForm_null.h"
+#include "views/models/finger_forms.h"
 #include "views/models/view_layout.h"
 
 #include <QFontMetrics>
@@ -15,6 +16,9 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTranslator>
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -171,6 +175,7 @@ class TestViewFamily : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void everyNumberHasItsLayout();
     void everyProgramId_data() { addRows(true); }
     void everyProgramId();
     void pagesInEnglish_data() { addRows(false); }
@@ -186,6 +191,16 @@ private Q_SLOTS:
     void barsStandBesideOtherPages();
     void parentThatDiesDuringABox();
 };
+
+void TestViewFamily::everyNumberHasItsLayout()
+{
+    for (int number = 0; number < 256; ++number) {
+        const bool made = std::any_of(std::begin(kViewMakers), std::end(kViewMakers),
+                                      [number](const ViewMaker &each) { return each.number == number; });
+        QVERIFY2(made == (findViewLayout(static_cast<uint8_t>(number)) != nullptr),
+                 qPrintable(QString::number(number)));
+    }
+}
 
 void TestViewFamily::everyProgramId()
 {
