@@ -1,7 +1,7 @@
 #include "app/class_settings.h"
 #include "app/qmain.h"
 #include "monitor/tactViewForm.h"
-#include "panel/recording_folder.h"
+#include "recording/recording_folder.h"
 #include "sim/SimBench.h"
 #include "sim/moving_finger.h"
 
