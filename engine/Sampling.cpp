@@ -35,9 +35,9 @@ Sampling::Sampling(SensorBus &bus, QVector<info_ts> &entries, QObject *parent)
 
 Outcome Sampling::readSensors()
 {
-    for (int i = 0; i < m_entries.size(); ++i) {
-        m_bus.setPcaState(m_entries[i].pca);
-        if (readEntry(m_entries[i]) == Outcome::Void)
+    for (info_ts &entry : m_entries) {
+        m_bus.setPcaState(entry.pca);
+        if (readEntry(entry) == Outcome::Void)
             return Outcome::Void;
     }
     return Outcome::Done;

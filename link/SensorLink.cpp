@@ -22,6 +22,17 @@ struct ByKind : Actions...
 template<typename... Actions>
 ByKind(Actions...) -> ByKind<Actions...>;
 
+/// std::visit of a variant that is never empty, and so never throws.
+template<typename Action, typename Links>
+auto applyTo(Action action, const Links &links)
+{
+    if (auto *const *uart = std::get_if<0>(&links); uart != nullptr)
+        return action(*uart);
+    if (auto *const *ch341 = std::get_if<1>(&links); ch341 != nullptr)
+        return action(*ch341);
+    return action(*std::get_if<2>(&links));
+}
+
 template<typename Link>
 constexpr bool isSerial = std::is_same_v<Link, class_uart>;
 
@@ -65,7 +76,7 @@ SensorLink::SensorLink(Kind kind, QObject *parent, std::function<bool()> wanted)
 
 SensorLink::~SensorLink()
 {
-    std::visit([this](auto *link) { link->disconnect(this); }, m_link);
+    applyTo([this](auto *link) { link->disconnect(this); }, m_link);
     if (isOpen())
         close();
 }
@@ -96,7 +107,7 @@ void SensorLink::makeBridge(std::function<bool()> wanted)
 template<typename Action>
 void SensorLink::onBridge(Action action)
 {
-    std::visit(
+    applyTo(
         [&action](auto *link) {
             if constexpr (!isSerial<std::remove_pointer_t<decltype(link)>>)
                 action(*link);
@@ -117,27 +128,26 @@ const char *SensorLink::name() const
 
 bool SensorLink::open(const QString &device, unsigned baudRate)
 {
-    return std::visit(
-        ByKind{[&](class_uart *uart) { return uart->open(device, baudRate); },
-               [&](auto *bridge) { return bridge->open(static_cast<uint16_t>(device.toUInt())); }},
-        m_link);
+    return applyTo(ByKind{[&](class_uart *uart) { return uart->open(device, baudRate); },
+                          [&](auto *bridge) { return bridge->open(static_cast<uint16_t>(device.toUInt())); }},
+                   m_link);
 }
 
 void SensorLink::close()
 {
-    std::visit([](auto *link) { link->close(); }, m_link);
+    applyTo([](auto *link) { link->close(); }, m_link);
 }
 
 bool SensorLink::isOpen() const
 {
-    return std::visit(ByKind{[](const class_uart *uart) { return uart->port->isOpen(); },
-                             [](const auto *bridge) { return bridge->isOpen(); }},
-                      m_link);
+    return applyTo(ByKind{[](const class_uart *uart) { return uart->port->isOpen(); },
+                          [](const auto *bridge) { return bridge->isOpen(); }},
+                   m_link);
 }
 
 void SensorLink::scan()
 {
-    std::visit(
+    applyTo(
         ByKind{[](class_uart *uart) { uart->scan(false); }, [](auto *bridge) { bridge->getScanSignal(); }},
         m_link);
 }
