@@ -184,6 +184,8 @@ void fingerThread::sl_connectCh341(QString id)
     if (!m_work || linkIsOpen() || !ch341List.contains(id))
         return;
     qDebug("%s connect", m_work->link.name());
+    // A bridge that left and came back before the link is told again would be dead and look open.
+    m_work->link.keepNoticed();
     m_work->link.open(id);
 }
 

@@ -1,3 +1,4 @@
+#include "link/class_ch341.h"
 #include "sim/SimCh341.h"
 #include "sim/SimCh347.h"
 #include "sim/SimUsb.h"
@@ -221,6 +222,12 @@ void tst_worker_bridges::losesABridgeThatIsBackAtOnce()
     rig.bus->setTimed(true); // so that the worker is busy all the time
     for (int i = 0; i < 12; ++i)
         rig.plug(static_cast<uint8_t>(0x61 + i / 2), i % 2 == 0 ? kChannelOfEntry0 : kChannelOfEntry1);
+    QTRY_VERIFY(!rig.harness.devices.isEmpty());
+    std::make_unique<class_ch341>().reset(); // nobody is told any more
+    QVERIFY(rig.connect());
+    rig.usb.unplug(rig.bridge);
+    rig.usb.plug(rig.bridge);
+    QVERIFY(rig.waitFor("down"));
     for (const int gapMs : {1, 2, 10, 50}) {
         rig.harness.events.clear();
         QVERIFY(rig.connect());
