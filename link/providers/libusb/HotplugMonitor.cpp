@@ -13,6 +13,7 @@ thread_local const std::vector<UsbDevicePointer> *toldBridges = nullptr;
 std::vector<UsbDevicePointer> copyOf(const std::vector<UsbDevicePointer> &bridges)
 {
     std::vector<UsbDevicePointer> copy;
+    copy.reserve(bridges.size());
     for (const UsbDevicePointer &bridge : bridges)
         copy.emplace_back(libusb_ref_device(bridge.get()));
     return copy;
