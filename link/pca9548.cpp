@@ -33,38 +33,3 @@ uint8_t adapterBoardMask(int index)
         return 0;
     return adapterBoards[static_cast<size_t>(index)].mask;
 }
-
-void pulsePcaReset(class_ch341 &link)
-{
-    link.setInt(0);
-    link.setInt(1);
-}
-
-void pulsePcaReset(class_ch347 &link)
-{
-    link.setGPIO(ch347_gpio_te::Pin0, ch347_gpio_en_te::Enable, ch347_gpio_dir_te::Output, 0);
-    link.setGPIO(ch347_gpio_te::Pin0, ch347_gpio_en_te::Enable, ch347_gpio_dir_te::Output, 1);
-}
-
-void setUpSensorBus(class_ch341 &link)
-{
-    link.setIICSpeed(ch341_iic_speed_te::Khz100);
-}
-
-void setUpSensorBus(class_ch347 &link)
-{
-    link.setIICSpeed(ch347_iic_speed_te::Khz100);
-    link.setIICDriverMode(1);
-    link.setIICStretch(1);
-}
-
-void setUpBusAtSpeed(class_ch341 &link, ch341_iic_speed_te speed)
-{
-    link.setIICSpeed(speed);
-}
-
-void setUpBusAtSpeed(class_ch347 &link, ch347_iic_speed_te speed)
-{
-    link.setIICSpeed(speed);
-    link.setIICStretch(1);
-}

@@ -14,7 +14,7 @@
 #include <thread>
 
 // A monkey at the whole tool: it presses, types, turns the wheel, plugs and pulls, as fast as the window follows. What it
-// does depends on the seed and on what the window shows. MONKEY_SEED repeats a run, MONKEY_SECONDS says how long it lasts.
+// does depends on MONKEY_SEED, which repeats a run, and on what the window shows. MONKEY_SECONDS says how long it lasts.
 
 namespace {
 
