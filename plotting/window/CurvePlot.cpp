@@ -58,6 +58,7 @@ std::unique_ptr<QwtPlotCurve> newCurve(const QString &name, const QColor &colour
 
 CurvePlot::CurvePlot(QWidget *parent)
     : QwtPlot(parent)
+    , m_grid(std::make_unique<QwtPlotGrid>())
     , m_emptyLabel(std::make_unique<QwtPlotTextLabel>())
 {
     setAutoReplot(false);
@@ -70,9 +71,8 @@ CurvePlot::CurvePlot(QWidget *parent)
     setCanvasBackground(Qt::white);
     styleAxes();
 
-    auto *grid = new QwtPlotGrid;
-    grid->setMajorPen(QColor(0xE3, 0xE6, 0xEA), 0);
-    grid->attach(this);
+    m_grid->setMajorPen(QColor(0xE3, 0xE6, 0xEA), 0);
+    m_grid->attach(this);
     m_emptyLabel->attach(this);
 }
 

@@ -7,6 +7,7 @@
 #include <optional>
 
 class QwtPlotCurve;
+class QwtPlotGrid;
 class QwtPlotTextLabel;
 class SampleStore;
 
@@ -68,6 +69,7 @@ private:
 
     QVector<CurveSource> m_sources;
     std::vector<std::unique_ptr<QwtPlotCurve>> m_curves;
+    std::unique_ptr<QwtPlotGrid> m_grid;
     std::unique_ptr<QwtPlotTextLabel> m_emptyLabel;
     std::optional<AxisRange> m_fixedValues;
     bool m_still = false;

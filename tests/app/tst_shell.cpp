@@ -243,6 +243,7 @@ private Q_SLOTS:
             auto *command = window->findChild<QLineEdit *>(QStringLiteral("leCh341Write"));
             const auto *log = window->findChild<QPlainTextEdit *>(QStringLiteral("txtDebugLog"));
             QApplication::setActiveWindow(window);
+            command->setClearButtonEnabled(false); // its fading would outlive the window
             command->setText(QStringLiteral("11"));
             command->setFocus();
             for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::NoModifier}) {
