@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string>
 
 namespace {
 
@@ -49,12 +50,13 @@ uint32_t CH341FlushBuffer(uint32_t index)
 
 const char *CH341GetDeviceName(uint32_t index)
 {
-    thread_local std::array<QByteArray, kIndexCount> names;
+    // Copies: the list is asked for on several threads, and none of them is to share memory with the device.
+    thread_local std::array<std::string, kIndexCount> names;
     const auto device = SimRegistry::instance().listedCh341(index);
     if (!device || index >= kIndexCount)
         return nullptr;
-    names.at(index) = device->path();
-    return names.at(index).constData();
+    names.at(index).assign(device->path().constData());
+    return names.at(index).c_str();
 }
 
 uint32_t CH341SetDeviceNotify(uint32_t, const char *, CH341NotifyRoutine routine)
