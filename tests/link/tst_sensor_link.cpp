@@ -15,6 +15,9 @@ FakeVendor &vendor()
     return FakeVendor::instance();
 }
 
+const char *const kCh341Reset = "getInput 0|setOutput 0 3 ff00 f1a5|getInput 0|"
+                                "setOutput 0 3 ff00 f5a5|write 0 AA7481E04F4F4F81007500";
+
 } // namespace
 
 class tst_sensor_link : public QObject
@@ -38,8 +41,7 @@ void tst_sensor_link::bridges_data()
                            << QByteArrayList{"open 0|reset 0|flush 0",
                                              "speed 0 1",
                                              "speed 0 2",
-                                             "getInput 0|setOutput 0 3 ff00 f1a5|getInput 0|"
-                                             "setOutput 0 3 ff00 f5a5|write 0 AA7481E04F4F4F81007500",
+                                             kCh341Reset,
                                              "write 0 AA7481A04F4F4F82AA557500",
                                              "read 0 63x1 AA7481A14F4F4FC1C07500"};
     QTest::newRow("ch347") << 2 << QByteArray("usb#x&3EA")
