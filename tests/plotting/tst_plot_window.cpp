@@ -91,9 +91,14 @@ private Q_SLOTS:
         bench.pause()->trigger();
         QCOMPARE(bench.curves(), 3);
         QCOMPARE(bench.rows(), 1);
+    }
 
-        // Another sender takes over, in the other format.
-        QTcpSocket other;
+    void anotherSenderTakesOver()
+    {
+        Bench bench;
+        bench.send("7,8,9\r\n");
+        QTRY_COMPARE(bench.curves(), 3);
+        QTcpSocket other; // in the other format
         other.connectToHost(QHostAddress::LocalHost, bench.server.port());
         QTRY_COMPARE(bench.socket.state(), QAbstractSocket::UnconnectedState);
         QTRY_COMPARE(other.state(), QAbstractSocket::ConnectedState);
