@@ -1,5 +1,5 @@
-// What the worker makes of a bridge's bus: the time it takes for its ticks against the time that their bits need on the
-// wire at 100 kHz, and what goes over the USB cable for one frame.
+// What the worker makes of a bridge's bus: the time it takes for its ticks against the time that their bits
+// need on the wire at 100 kHz, and what goes over the USB cable for one frame.
 
 #include "engine/fingerThread.h"
 #include "engine/sensor_ts.h"

@@ -1,5 +1,5 @@
-// Cost of one more entry in the log of the debug tab, painting included, when the log is short and when it is long.
-// Target: the ten-thousandth entry costs no more than twice the hundredth.
+// Cost of one more entry in the log of the debug tab, painting included, when the log is short and when it is
+// long. Target: the ten-thousandth entry costs no more than twice the hundredth.
 
 #include "bench/offscreen.h"
 #include "tools/debug_entry.h"

@@ -1,5 +1,5 @@
-// Cost of a sample in the panel against bare setText on as many labels, and of a recorded row against opening, appending
-// to and closing a file, each in one run.
+// Cost of a sample in the panel against bare setText on as many labels, and of a recorded row against
+// opening, appending to and closing a file, each in one run.
 
 #include "bench/offscreen.h"
 #include "panel/fingerForm.h"

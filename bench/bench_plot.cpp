@@ -1,5 +1,6 @@
-// What live curves cost: repaints a second and processor time while a sender feeds them over TCP, and the memory they
-// hold in the course of time. bench_plot [curves [seconds [picture]]]; without arguments 64 curves at 100 Hz for 20 s.
+// What live curves cost: repaints a second and processor time while a sender feeds them over TCP, and the
+// memory they hold in the course of time. bench_plot [curves [seconds [picture]]]; without arguments 64
+// curves at 100 Hz for 20 s.
 
 #include "bench/offscreen.h"
 #include "plotting/PlotServer.h"

@@ -1,8 +1,8 @@
-// Frames per second that the worker brings from one sensor with 62-byte frames on a paced line of 460800 baud, against what
-// its rules of reading allow: the poll pair and the frame take their time on the wire, the port is looked at in passes of
-// one 1 ms sleep each, and every 101st tick spends ten passes on an address where nobody answers. What a 1 ms sleep really
-// takes is the machine's affair, so a second thread goes through the same passes at the same time, with nothing to do in
-// them: its rate is the allowance.
+// Frames per second that the worker brings from one sensor with 62-byte frames on a paced line of 460800
+// baud, against what its rules of reading allow: the poll pair and the frame take their time on the wire, the
+// port is looked at in passes of one 1 ms sleep each, and every 101st tick spends ten passes on an address
+// where nobody answers. What a 1 ms sleep really takes is the machine's affair, so a second thread goes
+// through the same passes at the same time, with nothing to do in them: its rate is the allowance.
 
 #include "engine/fingerThread.h"
 #include "sim/SimSerialBus.h"

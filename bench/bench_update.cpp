@@ -1,5 +1,6 @@
-// How long an update of 64 KiB takes against the waits that its rules prescribe: a poll or a pause of 10 ms around every
-// frame, and the time of the bits on the bus or the line. What the machine oversleeps on the simulated bus is told apart.
+// How long an update of 64 KiB takes against the waits that its rules prescribe: a poll or a pause of 10 ms
+// around every frame, and the time of the bits on the bus or the line. What the machine oversleeps on the
+// simulated bus is told apart.
 
 #include "bench/offscreen.h"
 #include "sim/SimCh341.h"
@@ -64,8 +65,8 @@ public:
         find<QComboBox>("cbbInfIdx")->setCurrentIndex(row);
     }
 
-    /// Milliseconds from the header to the success, not a number when the update fails; begun is called at the header.
-    /// What goes before depends on when the receiver asks for it.
+    /// Milliseconds from the header to the success, not a number when the update fails; begun is called at
+    /// the header. What goes before depends on when the receiver asks for it.
     double runMs(const std::function<void()> &begun = [] {})
     {
         QEventLoop loop;
@@ -109,8 +110,8 @@ double inMs(std::chrono::nanoseconds time)
     return std::chrono::duration<double, std::milli>(time).count();
 }
 
-/// Polls and pauses of a transfer whose every frame is answered at the first poll: two around every block and the end of
-/// file, four for the requests and the headers.
+/// Polls and pauses of a transfer whose every frame is answered at the first poll: two around every block and
+/// the end of file, four for the requests and the headers.
 double bridgeWaitsMs()
 {
     return kWaitMs * (2 * kBlocks + 6);
@@ -136,8 +137,8 @@ void measureBridge(Tab &tab, const char *radioButton, const std::shared_ptr<SimB
            inMs(bus.lateness() - lateBefore));
 }
 
-/// On a line the polls go on while a frame is still on its way, so that only whole waits count. The receiver takes 25 ms
-/// from each of two acknowledgements to its request, which costs one poll more.
+/// On a line the polls go on while a frame is still on its way, so that only whole waits count. The receiver
+/// takes 25 ms from each of two acknowledgements to its request, which costs one poll more.
 double serialWaitsMs(int baud)
 {
     const auto polls = [baud](int frameSize) {

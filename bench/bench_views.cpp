@@ -1,5 +1,6 @@
-// What a sample costs on the busiest views, painting included, against plain painting of as many antialiased discs,
-// arrows and numbers in the same run; what it costs a view that nobody sees; and how long views take to build.
+// What a sample costs on the busiest views, painting included, against plain painting of as many antialiased
+// discs, arrows and numbers in the same run; what it costs a view that nobody sees; and how long views take
+// to build.
 
 #include "bench/offscreen.h"
 #include "protocol/frames.h"

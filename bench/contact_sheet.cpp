@@ -177,15 +177,16 @@ QImage sheet(const QVector<Block> &blocks)
     return image;
 }
 
-/// The most frequent colours first, so that no surface changes its colour, and then a frequent one of each kind, so that
-/// none is drawn in one that is far from its own.
+/// The most frequent colours first, so that no surface changes its colour, and then a frequent one of each
+/// kind, so that none is drawn in one that is far from its own.
 QVector<QRgb> paletteOf(const QHash<QRgb, int> &counts)
 {
     constexpr int kMostColours = 256;
     constexpr int kSurfaces = 64;
     constexpr QRgb kKind = 0xF8F8F8;
     QVector<QRgb> colours = counts.keys().toVector();
-    // Equally frequent ones in an order of their own, so that a view that has not changed is the same in every sheet.
+    // Equally frequent ones in an order of their own, so that a view that has not changed is the same in
+    // every sheet.
     std::sort(colours.begin(), colours.end(), [&counts](QRgb one, QRgb other) {
         return std::make_pair(-counts.value(one), one) < std::make_pair(-counts.value(other), other);
     });

@@ -33,8 +33,8 @@ void JustFloatReader::feed(const QByteArray &bytes)
 void JustFloatReader::endRecord()
 {
     const int words = m_record.size() / kWordBytes;
-    // The bytes of the mark may also stand across two good values; only where no record can go on any more do they tell
-    // that bytes are missing.
+    // The bytes of the mark may also stand across two good values; only where no record can go on any more do
+    // they tell that bytes are missing.
     const bool isAligned = m_record.size() % kWordBytes == 0;
     if (!m_searching && !isAligned && (width() == 0 || words <= width() + 1))
         return;

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// What waits of a sender that is faster than we are; it waits itself then. Small, so that the window stays alive.
+/// What waits of a sender that is faster than we are; it waits itself then. Small, so that the window stays
+/// alive.
 constexpr qint64 kReadBufferBytes = 64 * 1024;
 
 } // namespace

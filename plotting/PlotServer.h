@@ -8,8 +8,8 @@
 
 class QTcpSocket;
 
-/// Listens for the sender of samples and reads what it sends. A new connection takes the place of the one before, which
-/// may have lost its other end without a word.
+/// Listens for the sender of samples and reads what it sends. A new connection takes the place of the one
+/// before, which may have lost its other end without a word.
 class PlotServer : public QObject
 {
     Q_OBJECT

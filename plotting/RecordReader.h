@@ -7,8 +7,8 @@
 
 #include <functional>
 
-/// Cuts a stream into records of values: bytes in, in pieces of any size, records out. Whatever comes, it holds no more
-/// than one record and finds back to the next good one.
+/// Cuts a stream into records of values: bytes in, in pieces of any size, records out. Whatever comes, it
+/// holds no more than one record and finds back to the next good one.
 class RecordReader
 {
 public:
@@ -29,8 +29,8 @@ public:
     const StreamFaults &faults() const { return m_faults; }
 
 protected:
-    /// Hands a record on. One of another width is a fault until some follow each other: then the sender has changed to
-    /// another sensor.
+    /// Hands a record on. One of another width is a fault until some follow each other: then the sender has
+    /// changed to another sensor.
     void deliver(const QVector<double> &values);
     /// Values in the records that are handed on; 0 before the first.
     int width() const { return m_width; }

@@ -4,7 +4,8 @@
 
 #include <vector>
 
-/// Rows of values with their times, the newest of them: a ring that grows up to its limits and then lets the oldest go.
+/// Rows of values with their times, the newest of them: a ring that grows up to its limits and then lets the
+/// oldest go.
 class SampleStore
 {
 public:
@@ -16,8 +17,8 @@ public:
 
     SampleStore(int width, Limits limits);
 
-    /// The row must have as many values as the store is wide. Time never runs backwards: where the clock of the rows
-    /// was set back, they go on from where they stood.
+    /// The row must have as many values as the store is wide. Time never runs backwards: where the clock of
+    /// the rows was set back, they go on from where they stood.
     void append(double seconds, const QVector<double> &values);
 
     int width() const { return static_cast<int>(m_columns.size()) - 1; }

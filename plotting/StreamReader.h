@@ -6,8 +6,9 @@
 
 enum class StreamFormat { Automatic, FireWater, JustFloat };
 
-/// Reads a stream of either format. Automatic tells them by the first bytes: text that reads as a line of numbers is
-/// FireWater, and JustFloat is known by the first byte that no text holds, at the latest by its first end mark.
+/// Reads a stream of either format. Automatic tells them by the first bytes: text that reads as a line of
+/// numbers is FireWater, and JustFloat is known by the first byte that no text holds, at the latest by its
+/// first end mark.
 class StreamReader
 {
 public:

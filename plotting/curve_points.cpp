@@ -58,7 +58,8 @@ CurvePoints curvePoints(const SampleStore &store, int column, double from, doubl
     const double afterTo = std::nextafter(to - shift, std::numeric_limits<double>::infinity());
     const int end = std::min(store.firstRowFrom(afterTo) + 1, store.size());
     const bool isCrowded = end - first > 4 * pixels;
-    // Counted from the beginning of time and not of the stretch, or the picture would shimmer while it scrolls.
+    // Counted from the beginning of time and not of the stretch, or the picture would shimmer while it
+    // scrolls.
     const double pixelSeconds =
         std::max((to - from) / std::max(pixels, 1), std::numeric_limits<double>::min());
     double bucketNumber = 0;

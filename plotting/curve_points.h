@@ -13,8 +13,8 @@ struct CurvePoints
     double high = -1;
 };
 
-/// The column's values from one time to another. Where they are more than the pixels can show, the lowest and the highest
-/// value of each pixel's time stand for all of it, so that no peak is lost. One value before and one after let the line
-/// run out of the picture. The times come out later by shift.
+/// The column's values from one time to another. Where they are more than the pixels can show, the lowest and
+/// the highest value of each pixel's time stand for all of it, so that no peak is lost. One value before and
+/// one after let the line run out of the picture. The times come out later by shift.
 CurvePoints curvePoints(const SampleStore &store, int column, double from, double to, int pixels,
                         double shift = 0);

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <limits>
 
-/// The value as it can be drawn: not a number, which leaves a gap, for all that a 32-bit float does not hold. Scales
-/// would not survive the difference of two values beyond.
+/// The value as it can be drawn: not a number, which leaves a gap, for all that a 32-bit float does not hold.
+/// Scales would not survive the difference of two values beyond.
 inline double plotValue(double value)
 {
     constexpr double largest = std::numeric_limits<float>::max();

@@ -19,6 +19,7 @@ struct Recording
     QString error;       ///< what is wrong with the file, as the end of a sentence
 };
 
-/// Reads either kind: a recording of the panel, whose heading row has one field less than the others, or a table with a
-/// heading for each column of which the first is "time_ms". A line that is cut, too long or of another width is left out.
+/// Reads either kind: a recording of the panel, whose heading row has one field less than the others, or a
+/// table with a heading for each column of which the first is "time_ms". A line that is cut, too long or of
+/// another width is left out.
 Recording readRecording(QIODevice &device);

@@ -21,9 +21,10 @@ extern const std::array<sensor_cmd_ts, 63> cmds;
 
 /// The command catalogue and the builders of request frames. Everything is static; an instance holds nothing.
 ///
-/// Every builder fills the kRequestLength bytes at `buf`, or nothing when `buf` is null, and returns the length of the
-/// response by the catalogue. Values of more than one byte go out low byte first. The length finders `getPackLen` and
-/// `getSensorPackLen` and what all frames share are the free functions of protocol/frames.h.
+/// Every builder fills the kRequestLength bytes at `buf`, or nothing when `buf` is null, and returns the
+/// length of the response by the catalogue. Values of more than one byte go out low byte first. The length
+/// finders `getPackLen` and `getSensorPackLen` and what all frames share are the free functions of
+/// protocol/frames.h.
 class class_sensorCmd : public QObject
 {
     Q_OBJECT

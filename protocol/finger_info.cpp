@@ -5,7 +5,8 @@
 
 // clang-format off
 constexpr finger_info_ts finger_infos[kFingerInfoCount] = {
-    // prg, packLen, chNum, forceChNum, yddsNum, sProxNum, mProxNum, chBytes, yddsFmt, hasStatus, caliNum, range, name, model
+    // prg, packLen, chNum, forceChNum, yddsNum, sProxNum, mProxNum, chBytes, yddsFmt, hasStatus, caliNum,
+    // range, name, model
     {0x02,  62,  8,  7,  1, 1, 0, 4, 2, 0, 22, 20.0F, "基型手指", "KV-N1"},
     {0x13,  62,  8,  7,  1, 1, 0, 4, 2, 0, 21, 20.0F, "基型手指2", "KV-N1"},
     {0x1E,  62,  8,  7,  1, 1, 0, 4, 2, 0, 21, 20.0F, "岚峰-基型指尖", "KV-J1"},

@@ -29,7 +29,7 @@ const finger_info_ts *findFingerInfoByPrg(uint8_t prg);
 /// First row of a sample frame length in bytes, or null.
 const finger_info_ts *findFingerInfoByPackLen(int packLen);
 
-/// The model catalogue. The order counts, for the first row that fits wins every search: some ids stand twice, and many
-/// models share a frame length.
+/// The model catalogue. The order counts, for the first row that fits wins every search: some ids stand
+/// twice, and many models share a frame length.
 constexpr int kFingerInfoCount = 76;
 extern const finger_info_ts finger_infos[kFingerInfoCount];

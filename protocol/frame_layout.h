@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-/// Where things stand in a frame. A request begins with AA 55, a response and a sample with 55 AA; a frame address and a
-/// command follow, then the payload, and at the end the sum of everything before it.
+/// Where things stand in a frame. A request begins with AA 55, a response and a sample with 55 AA; a frame
+/// address and a command follow, then the payload, and at the end the sum of everything before it.
 constexpr uint8_t kRequestSync1 = 0xAA;
 constexpr uint8_t kRequestSync2 = 0x55;
 constexpr uint8_t kResponseSync1 = kRequestSync2;

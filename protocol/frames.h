@@ -7,8 +7,9 @@
 #include <array>
 #include <cstdint>
 
-/// What every frame of the sensors has in common: two sync bytes, a frame address, a command, and at the end the 16-bit
-/// sum of everything before it, low byte first. Nothing here looks at more than the bytes it is given.
+/// What every frame of the sensors has in common: two sync bytes, a frame address, a command, and at the end
+/// the 16-bit sum of everything before it, low byte first. Nothing here looks at more than the bytes it is
+/// given.
 
 using RequestPayload = std::array<uint8_t, kRequestPayloadLength>;
 
@@ -36,10 +37,12 @@ QByteArray requestFrame(uint8_t frameAddress, uint8_t command, const RequestPayl
 /// A sealed request whose payload has a length of its own: payload.size() + 6 bytes in all.
 QByteArray longRequestFrame(uint8_t frameAddress, uint8_t command, const QByteArray &payload);
 
-/// Length of a response of unknown length at the start of a buffer that may have been read too long: the first place
-/// where the sum fits and nothing but zeros follows. 0 when there is none. Sync bytes are the caller's to test.
+/// Length of a response of unknown length at the start of a buffer that may have been read too long: the
+/// first place where the sum fits and nothing but zeros follows. 0 when there is none. Sync bytes are the
+/// caller's to test.
 int getPackLen(const uint8_t *buf, int len);
 
-/// Length of a sample frame at the start of a buffer in which bytes of a next frame may follow: the first place where
-/// the sum fits, beyond the lower bound that byte 5 gives. 0 when there is none. Sync bytes are the caller's to test.
+/// Length of a sample frame at the start of a buffer in which bytes of a next frame may follow: the first
+/// place where the sum fits, beyond the lower bound that byte 5 gives. 0 when there is none. Sync bytes are
+/// the caller's to test.
 int getSensorPackLen(const uint8_t *buf, int len);

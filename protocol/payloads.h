@@ -6,8 +6,8 @@
 
 #include <cstring>
 
-/// The shapes that the payload of a request has, and what the answers are read with. Byte numbers count from the start
-/// of the frame, so a payload is bytes 4 to 8. Everything is little-endian.
+/// The shapes that the payload of a request has, and what the answers are read with. Byte numbers count from
+/// the start of the frame, so a payload is bytes 4 to 8. Everything is little-endian.
 
 /// A channel or a switch in byte 4, 32 bits behind it.
 constexpr RequestPayload payloadByteAndWord(uint8_t byte4, uint32_t word)

@@ -26,7 +26,8 @@ struct SampleBlock
     QString directionText;
 };
 
-/// What a sample frame says, in the order of the frame. One object serves many frames, so that its lists keep their room.
+/// What a sample frame says, in the order of the frame. One object serves many frames, so that its lists keep
+/// their room.
 struct Sample
 {
     uint8_t counter = 0;
@@ -48,11 +49,11 @@ enum class SampleRefusal : uint8_t {
 /// Bytes of a block of this format; 0 for an unknown one.
 uint8_t sampleBlockLength(uint8_t format);
 
-/// Length that the frames of a row should have, cut to 16 bits. `blockBytes` counts for every format but the one that
-/// carries a proximity value.
+/// Length that the frames of a row should have, cut to 16 bits. `blockBytes` counts for every format but the
+/// one that carries a proximity value.
 uint16_t sampleLength(const finger_info_ts &row, uint8_t blockBytes);
 
-/// Decodes a frame of a row whose blocks have `blockBytes` bytes; blocks of an unknown format are skipped. The frame is
-/// read as the row says, which must fit its own length. A refused frame leaves `sample` alone.
+/// Decodes a frame of a row whose blocks have `blockBytes` bytes; blocks of an unknown format are skipped.
+/// The frame is read as the row says, which must fit its own length. A refused frame leaves `sample` alone.
 SampleRefusal decodeSample(const QByteArray &data, const finger_info_ts &row, uint8_t blockBytes,
                            Sample &sample);

@@ -4,7 +4,8 @@
 
 class CurvePlot;
 
-/// The legend beside the plot: a colour, a name and the newest value of each curve, and a box that hides and shows it.
+/// The legend beside the plot: a colour, a name and the newest value of each curve, and a box that hides and
+/// shows it.
 class CurveList : public QTreeWidget
 {
     Q_OBJECT

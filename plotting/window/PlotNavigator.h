@@ -9,8 +9,8 @@ class QRubberBand;
 class QWheelEvent;
 struct AxisRange;
 
-/// The mouse on a plot: the wheel zooms in time, with Ctrl in value; the left button drags, the right one opens a
-/// rectangle; a double click asks for everything. Says what is wanted and changes nothing itself.
+/// The mouse on a plot: the wheel zooms in time, with Ctrl in value; the left button drags, the right one
+/// opens a rectangle; a double click asks for everything. Says what is wanted and changes nothing itself.
 class PlotNavigator : public QObject
 {
     Q_OBJECT

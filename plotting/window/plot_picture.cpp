@@ -24,7 +24,8 @@ bool isPicturePath(const QString &path)
 
 bool savePlotPicture(CurvePlot &plot, const QString &path)
 {
-    // The renderer does not say whether it could write, so it writes where it can and the result is moved over.
+    // The renderer does not say whether it could write, so it writes where it can and the result is moved
+    // over.
     const QTemporaryDir folder;
     const QString draft = folder.filePath(QStringLiteral("plot.") + QFileInfo(path).suffix().toLower());
     plot.insertLegend(new QwtLegend, QwtPlot::RightLegend);

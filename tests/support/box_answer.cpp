@@ -29,7 +29,8 @@ bool BoxAnswer::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Show) {
         if (auto *box = qobject_cast<QMessageBox *>(watched)) {
-            // The box enters its event loop only after this event, so the answer has to come from inside that loop.
+            // The box enters its event loop only after this event, so the answer has to come from inside that
+            // loop.
             QTimer::singleShot(0, box, [this, box] { answer(box); });
         }
     }

@@ -6,8 +6,8 @@
 
 #include <functional>
 
-/// Answers modal message boxes in the order in which they were announced. Every box must have been announced with its
-/// exact title and text; one that was not is closed at once and counts as a failure.
+/// Answers modal message boxes in the order in which they were announced. Every box must have been announced
+/// with its exact title and text; one that was not is closed at once and counts as a failure.
 class BoxAnswer : public QObject
 {
     Q_OBJECT
@@ -25,7 +25,8 @@ public:
     /// What went wrong, a line a box, for the message of a failing check.
     QString report() const;
 
-    /// Runs inside the box's event loop, before its answer is given: what happens to the program while a box is open.
+    /// Runs inside the box's event loop, before its answer is given: what happens to the program while a box
+    /// is open.
     std::function<void()> whileOpen;
 
 protected:

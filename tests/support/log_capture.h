@@ -5,8 +5,8 @@
 #include <deque>
 #include <mutex>
 
-/// Collects what is logged in category "default" while it lives, from any thread, and hands it on to the handler that
-/// was there before. Only one may live at a time.
+/// Collects what is logged in category "default" while it lives, from any thread, and hands it on to the
+/// handler that was there before. Only one may live at a time.
 class LogCapture
 {
 public:

@@ -1,6 +1,7 @@
-// Linked into the tests of the thread sanitizer build only. Qt is not built with the sanitizer, which therefore sees neither
-// the lock of an event queue nor what a queued signal hands over, and takes every argument for a race. Two hooks of Qt tell
-// it: whatever a thread did before it emitted a signal comes before what another thread does once a queued call reaches it.
+// Linked into the tests of the thread sanitizer build only. Qt is not built with the sanitizer, which
+// therefore sees neither the lock of an event queue nor what a queued signal hands over, and takes every
+// argument for a race. Two hooks of Qt tell it: whatever a thread did before it emitted a signal comes before
+// what another thread does once a queued call reaches it.
 
 #include <QEvent>
 #include <QObject>
