@@ -1,12 +1,15 @@
 #include "companions/EndSignals.h"
 #include "plotting/PlotServer.h"
 #include "plotting/window/PlotWindow.h"
+#include "plotting/window/plot_language.h"
 #include "plotting/window/plot_picture.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
+#include <QTranslator>
 
 #include <cstdio>
 
@@ -16,12 +19,19 @@ enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
 
 constexpr quint16 kUsualPort = 1347;
 
+/// The language of the system, where it is one of ours.
+QString usualLanguage()
+{
+    return QLocale::system().language() == QLocale::Chinese ? QStringLiteral("zh_cn") : QStringLiteral("en");
+}
+
 struct Options
 {
     QHostAddress address = QHostAddress(QHostAddress::LocalHost);
     quint16 port = kUsualPort;
     StreamFormat format = StreamFormat::Automatic;
     QString picture;
+    QString language = usualLanguage();
     QStringList files;
 };
 
@@ -70,7 +80,10 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     const QCommandLineOption picture(QStringLiteral("picture"),
                                      QStringLiteral("Draw the recordings into a file (.png, .svg) and end."),
                                      QStringLiteral("file"));
-    parser.addOptions({listen, format, picture});
+    const QCommandLineOption language(QStringLiteral("language"),
+                                      QStringLiteral("Speaks that language instead of the system's."),
+                                      QStringLiteral("en|zh_cn"), options.language);
+    parser.addOptions({listen, format, picture, language});
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Recordings to open."),
                                  QStringLiteral("[files...]"));
     if (!parser.parse(QCoreApplication::arguments()))
@@ -87,6 +100,9 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
         return complain(WrongUse, QStringLiteral("either --listen or recordings, not both."));
     if (parser.isSet(listen) && !readPlace(parser.value(listen), options))
         return complain(WrongUse, QStringLiteral("--listen takes a port from 0 to 65535, or address:port."));
+    options.language = parser.value(language).toLower();
+    if (options.language != QLatin1String("en") && options.language != QLatin1String("zh_cn"))
+        return complain(WrongUse, QStringLiteral("--language takes en or zh_cn."));
     if (!readFormat(parser.value(format), options.format))
         return complain(WrongUse, QStringLiteral("--format takes auto, firewater or justfloat."));
     if (parser.isSet(picture) && (options.files.isEmpty() || !isPicturePath(options.picture)))
@@ -179,6 +195,9 @@ int main(int argc, char **argv)
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     const QApplication application(argc, argv);
+    QTranslator table;
+    if (options.language == QLatin1String("zh_cn") && !speakChinese(table))
+        return complain(Failed, QStringLiteral("the Chinese texts cannot be read. Use --language en."));
     const EndSignals endSignals([] { QCoreApplication::quit(); });
     return options.files.isEmpty() ? showLive(options) : showRecordings(options);
 }

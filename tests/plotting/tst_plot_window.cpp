@@ -5,6 +5,7 @@
 #include "plotting/window/CursorReader.h"
 #include "plotting/window/CurveList.h"
 #include "plotting/window/PlotWindow.h"
+#include "plotting/window/plot_language.h"
 
 #include <QAction>
 #include <QLabel>
@@ -13,6 +14,7 @@
 #include <QSpinBox>
 #include <QTcpSocket>
 #include <QTemporaryDir>
+#include <QTranslator>
 #include <QWheelEvent>
 #include <QtTest>
 #include <qwt_text.h>
@@ -144,12 +146,30 @@ private Q_SLOTS:
         QVERIFY(cursor->trackerTextF({0, 19}).text().startsWith(QStringLiteral("Value 1  1\n")));
     }
 
+    void speaksChinese()
+    {
+        QTranslator table;
+        QVERIFY(speakChinese(table));
+        Bench bench;
+        bench.send("1,20\r\nrubbish\r\n");
+        QTRY_COMPARE(bench.trouble(), QStringLiteral("拒收的记录：1 条不是数字"));
+        QStringList texts{bench.window.windowTitle(), bench.seconds()->suffix()};
+        for (const auto *label : bench.window.findChildren<QLabel *>())
+            texts += label->text();
+        for (const auto *action : bench.window.findChildren<QAction *>())
+            texts += action->text();
+        texts.removeAll({});
+        for (const QString &text : qAsConst(texts))
+            QVERIFY2(!text.contains(QRegularExpression(QStringLiteral("[a-z]{3}"))), qPrintable(text));
+    }
+
     void runsAsAProgram_data()
     {
         QTest::addColumn<QString>("commandLine");
         QTest::addColumn<int>("code");
         QTest::addColumn<QString>("line");
         QTest::newRow("help") << "--help" << 0 << "";
+        QTest::newRow("language") << "--language fr" << 2 << "--language takes en or zh_cn.";
         QTest::newRow("unknown") << "--colour" << 2 << "Unknown option 'colour'. See --help.";
         QTest::newRow("port") << "--listen 70000" << 2
                               << "--listen takes a port from 0 to 65535, or address:port.";
