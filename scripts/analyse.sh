@@ -5,10 +5,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 ensure_packages "${build_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
 cd "$root_dir"
-cmake --preset analyse >/dev/null
-# The analyser reads the sources alone, but those include what moc, uic and lrelease make.
-ninja -C build/analyse -t targets all | sed -n 's/^\([^ ]*_autogen\): .*/\1/p' | sort -u |
-  xargs ninja -C build/analyse >/dev/null
+configure_for_reading
 
 say "Analyser"
 if [ $# -gt 0 ]; then

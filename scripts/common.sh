@@ -12,6 +12,7 @@ build_packages=(
 )
 test_packages=(umockdev libumockdev-dev python3 binutils)
 check_packages=(git clang-format clang-tidy)
+windows_packages=(g++-mingw-w64-x86-64-posix python3)
 font_packages=(fonts-urw-base35)
 
 say() { printf '== %s\n' "$*"; }
@@ -61,4 +62,12 @@ build_preset() {
     return 1
   }
   (cd "$root_dir" && cmake --build --preset "$preset" -j "$jobs" ${1:+--target "$@"})
+}
+
+# configure_for_reading: a compilation database in build/analyse for programs that read the sources alone, with all that
+# moc, uic and lrelease make.
+configure_for_reading() {
+  (cd "$root_dir" && cmake --preset analyse >/dev/null)
+  ninja -C "$root_dir/build/analyse" -t targets all | sed -n 's/^\([^ ]*_autogen\): .*/\1/p' | sort -u |
+    xargs ninja -C "$root_dir/build/analyse" >/dev/null
 }
