@@ -4,8 +4,8 @@
 
 #include <functional>
 
-/// While it lives, the signals by which a user or the system ends a program call a function in the event loop instead of
-/// ending it at once. Only one may live at a time.
+/// While it lives, the signals by which a user or the system ends a program call a function in the event loop
+/// instead of ending it at once. Only one may live at a time.
 class EndSignals
 {
 public:

@@ -8,10 +8,10 @@
 #include <memory>
 #include <vector>
 
-/// A bench ready to be shown: a serial line with six sensors, a CH341 with a multiplexer and six sensors on as many boards,
-/// three of them with one address, and a CH347 with a multiplexer and two sensors. All are of different kinds and feel
-/// moving fingers. Transfers on the two-wire buses take no time. Everything is plugged in from construction to
-/// destruction.
+/// A bench ready to be shown: a serial line with six sensors, a CH341 with a multiplexer and six sensors on
+/// as many boards, three of them with one address, and a CH347 with a multiplexer and two sensors. All are of
+/// different kinds and feel moving fingers. Transfers on the two-wire buses take no time. Everything is
+/// plugged in from construction to destruction.
 class SimBench
 {
 public:

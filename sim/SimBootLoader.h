@@ -21,8 +21,9 @@ enum class SimBootAct {
     PowerCut ///< loses its power in the middle of it
 };
 
-/// The receiver of firmware images in a sensor. It is entered by a reset and left when an image is complete, or when
-/// nobody has begun a transfer in time and there is a program to start. All operations may be called from any thread.
+/// The receiver of firmware images in a sensor. It is entered by a reset and left when an image is complete,
+/// or when nobody has begun a transfer in time and there is a program to start. All operations may be called
+/// from any thread.
 class SimBootLoader
 {
 public:
@@ -31,8 +32,8 @@ public:
     /// The only baud rate at which it hears on a serial line; 460800 at first.
     void setBaudRate(int baud);
     int baudRate() const;
-    /// From the frame of that number on, counted since the reset with the header as 0, the next `times` frames meet the
-    /// act.
+    /// From the frame of that number on, counted since the reset with the header as 0, the next `times`
+    /// frames meet the act.
     void schedule(SimBootAct act, int frame, int times = 1);
     /// The power fails when that many more bytes have come in.
     void cutPowerAfter(int bytes);
@@ -50,8 +51,8 @@ public:
     bool isActive(SimTime now);
     /// True when bytes that come now on a shared serial line can only be meant for the loader.
     bool claims(const QByteArray &bytes, SimTime now);
-    /// A whole message of an I2C write. False when it is none for the loader: with its image complete it gives way to the
-    /// program at the first message that is no frame, even with its last answer unread.
+    /// A whole message of an I2C write. False when it is none for the loader: with its image complete it
+    /// gives way to the program at the first message that is no frame, even with its last answer unread.
     bool receiveMessage(const QByteArray &bytes, SimTime now);
     /// Bytes of a serial line.
     void receiveStream(const QByteArray &bytes, SimTime now);

@@ -4,15 +4,16 @@
 
 #include <cstdint>
 
-/// A CH341 bridge: interprets stream packets byte by byte. A transfer to an address that nobody acknowledges succeeds all
-/// the same and reads as 0xFF; only the single-byte send tells.
+/// A CH341 bridge: interprets stream packets byte by byte. A transfer to an address that nobody acknowledges
+/// succeeds all the same and reads as 0xFF; only the single-byte send tells.
 class SimCh341 : public SimBridge
 {
 public:
     /// The hub and port make its device path.
     SimCh341(std::shared_ptr<SimI2cBus> bus, int hub, int port);
 
-    /// Packets that broke the rules of the chip, since ever. It stops working on a packet at the first such byte.
+    /// Packets that broke the rules of the chip, since ever. It stops working on a packet at the first such
+    /// byte.
     int malformedPackets() const;
 
     // The side of the vendor library.

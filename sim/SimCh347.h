@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// A CH347 bridge: whole transfers, which fail when nobody acknowledges the address, and eight pins, of which pin 0 is
-/// wired to the reset input of the multiplexer.
+/// A CH347 bridge: whole transfers, which fail when nobody acknowledges the address, and eight pins, of which
+/// pin 0 is wired to the reset input of the multiplexer.
 class SimCh347 : public SimBridge
 {
 public:
@@ -21,7 +21,8 @@ public:
 
     // The side of the vendor library.
 
-    /// The first byte written is the address byte. With both lengths set the read follows after a repeated start.
+    /// The first byte written is the address byte. With both lengths set the read follows after a repeated
+    /// start.
     bool transfer(const QByteArray &written, int readLength, QByteArray *received);
     bool setStretch(uint32_t on);
     bool setDriverMode(uint8_t mode);

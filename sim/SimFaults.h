@@ -56,8 +56,8 @@ struct SimDelivery
     std::chrono::milliseconds delay{0};
 };
 
-/// The faults of one sensor. The same seed and the same frames give the same faults. All operations may be called from
-/// any thread.
+/// The faults of one sensor. The same seed and the same frames give the same faults. All operations may be
+/// called from any thread.
 class SimFaults
 {
 public:

@@ -12,8 +12,8 @@
 #include <optional>
 #include <vector>
 
-/// A two-wire bus behind one bridge, with a multiplexer or without, and sensors on it. All operations may be called from
-/// any thread; transfers come from one bridge only.
+/// A two-wire bus behind one bridge, with a multiplexer or without, and sensors on it. All operations may be
+/// called from any thread; transfers come from one bridge only.
 class SimI2cBus
 {
 public:

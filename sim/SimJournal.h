@@ -34,8 +34,8 @@ struct SimRecord
     uint8_t channels; ///< control byte of the multiplexer at that time (I2C only)
 };
 
-/// What came over the wire, newest last. Holds the last `limit` records only. All operations may be called from any
-/// thread.
+/// What came over the wire, newest last. Holds the last `limit` records only. All operations may be called
+/// from any thread.
 class SimJournal
 {
 public:

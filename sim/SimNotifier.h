@@ -25,8 +25,8 @@ public:
     SimNotifier(const SimNotifier &) = delete;
     SimNotifier &operator=(const SimNotifier &) = delete;
 
-    /// Replaces the routine. When this has returned, the one before neither runs nor will run, unless this was called from
-    /// the routine itself.
+    /// Replaces the routine. When this has returned, the one before neither runs nor will run, unless this
+    /// was called from the routine itself.
     void setRoutine(Routine routine);
     /// `devices` is what is plugged in after the event. Events without a routine are lost.
     void notify(uint32_t status, const Devices &devices);

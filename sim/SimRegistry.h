@@ -11,8 +11,8 @@
 
 class SimSerialBus;
 
-/// Whatever of the bench is alive in this process. The provider of the vendor operations serves from here. All
-/// operations may be called from any thread.
+/// Whatever of the bench is alive in this process. The provider of the vendor operations serves from here.
+/// All operations may be called from any thread.
 class SimRegistry
 {
 public:

@@ -17,8 +17,8 @@ public:
         QByteArray bytes;
     };
 
-    /// Adds bytes that came at that time and returns what has become whole. An unfinished frame is given up when the
-    /// line has been quiet behind it.
+    /// Adds bytes that came at that time and returns what has become whole. An unfinished frame is given up
+    /// when the line has been quiet behind it.
     std::vector<Item> feed(const QByteArray &bytes, SimTime now);
 
 private:

@@ -20,13 +20,13 @@
 /// Values of a sensor as a function of the seconds since it was made.
 using SimMotion = std::function<void(double seconds, const finger_info_ts &model, SimValues &values)>;
 
-/// One sensor, which can be reached over a serial line and over I2C. Make it by std::make_shared and plug it into a bus.
-/// All operations may be called from any thread, also while the sensor is plugged in.
+/// One sensor, which can be reached over a serial line and over I2C. Make it by std::make_shared and plug it
+/// into a bus. All operations may be called from any thread, also while the sensor is plugged in.
 class SimSensor
 {
 public:
-    /// A sensor of the catalogue's first row of this program id; an id without a row gets the frames of a plain
-    /// fingertip of 36 bytes. The address is 0x01 to 0x6F.
+    /// A sensor of the catalogue's first row of this program id; an id without a row gets the frames of a
+    /// plain fingertip of 36 bytes. The address is 0x01 to 0x6F.
     SimSensor(uint8_t programId, uint8_t address);
     /// A sensor of a row of one's own.
     SimSensor(const finger_info_ts &model, uint8_t address);
@@ -46,8 +46,9 @@ public:
     void setSelfProximity(int index, uint32_t value);
     void setMutualProximity(int index, uint32_t value);
     void setStatus(uint8_t status);
-    /// Values that move by themselves and overrule what was set; null goes back to the values set. They are taken afresh
-    /// for every step of the frame counter. Until the send type is set the sensor rests, counter included.
+    /// Values that move by themselves and overrule what was set; null goes back to the values set. They are
+    /// taken afresh for every step of the frame counter. Until the send type is set the sensor rests, counter
+    /// included.
     void setMotion(SimMotion motion);
 
     /// Rate at which the frame counter runs. At 0 it moves by step() alone. 200 at first.
@@ -84,15 +85,16 @@ public:
 
     // The side of the buses.
 
-    /// Frame for a serial poll of an address, 0 being meant for every sensor; no bytes when the sensor keeps silent.
+    /// Frame for a serial poll of an address, 0 being meant for every sensor; no bytes when the sensor keeps
+    /// silent.
     SimDelivery answerPoll(uint8_t address);
     /// Answer to a request frame from the serial line; byte 2 is the address, 0 being meant for every sensor.
     SimDelivery answerRequest(const QByteArray &request);
     /// I2C: true when the sensor acknowledges the address, the general call 0 included.
     bool acknowledges(uint8_t address) const;
     void writeI2c(const QByteArray &bytes);
-    /// What a read of the sensor brings, zeros following: the oldest answer that waits, else a sample frame. No bytes
-    /// when the sensor leaves the line alone.
+    /// What a read of the sensor brings, zeros following: the oldest answer that waits, else a sample frame.
+    /// No bytes when the sensor leaves the line alone.
     QByteArray beginReadI2c();
 
 private:

@@ -17,9 +17,9 @@
 
 class SimPty;
 
-/// Sensors on one serial line, reached through a pseudo-terminal that any serial port class can open. A thread of its own
-/// answers. The port stands in the list of ports while the object lives, except between removePort() and restorePort().
-/// All operations may be called from any thread.
+/// Sensors on one serial line, reached through a pseudo-terminal that any serial port class can open. A
+/// thread of its own answers. The port stands in the list of ports while the object lives, except between
+/// removePort() and restorePort(). All operations may be called from any thread.
 class SimSerialBus
 {
 public:

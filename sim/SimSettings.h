@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <vector>
 
-/// What a sensor keeps without power. Channel lists have the model's channel count, calibration curves one entry a
-/// force channel and one a three-dimensional force, each with the model's number of points.
+/// What a sensor keeps without power. Channel lists have the model's channel count, calibration curves one
+/// entry a force channel and one a three-dimensional force, each with the model's number of points.
 struct SimSettings
 {
     SimSettings(const finger_info_ts &model, uint8_t busAddress);

@@ -6,8 +6,9 @@
 #include <mutex>
 #include <vector>
 
-/// The USB ports of the machine. Every arrival and removal is reported to the routine that the vendor library was given.
-/// What was plugged in through this object is pulled out when it dies. All operations may be called from any thread.
+/// The USB ports of the machine. Every arrival and removal is reported to the routine that the vendor library
+/// was given. What was plugged in through this object is pulled out when it dies. All operations may be
+/// called from any thread.
 class SimUsb
 {
 public:

@@ -18,7 +18,8 @@ public:
 
     /// Sends bytes from that time on, or when the line is free.
     void schedule(const QByteArray &bytes, SimTime start);
-    /// Bytes that have come through whole. They are handed over in bursts, as the buffers of serial adapters do.
+    /// Bytes that have come through whole. They are handed over in bursts, as the buffers of serial adapters
+    /// do.
     QByteArray takeDue(SimTime now);
     /// When takeDue() will have something.
     std::optional<SimTime> nextDue() const;

@@ -9,6 +9,7 @@ constexpr double kPi = 3.14159265358979323846;
 constexpr double kCycleSeconds = 10.0;
 constexpr double kTouchSeconds = 1.0; // from here to kReleaseSeconds the finger touches
 constexpr double kReleaseSeconds = 9.2;
+constexpr double kPressSeconds = 4.0;
 constexpr double kFullScaleNewtons = 20.0;
 constexpr double kProximityFullScale = 280000.0;
 
@@ -27,7 +28,7 @@ double turn(double seconds, double period)
     return 2.0 * kPi * seconds / period;
 }
 
-Finger fingerAt(double seconds)
+Finger wanderingAt(double seconds)
 {
     const double inCycle = std::fmod(seconds, kCycleSeconds);
     const double approach = inCycle / kTouchSeconds;
@@ -86,14 +87,34 @@ void approach(const Finger &finger, SimValues &values)
         mutual = proximity / 2;
 }
 
-} // namespace
-
-SimMotion movingFinger(double phase)
+Finger pressingAt(double seconds)
 {
-    return [phase](double seconds, const finger_info_ts &model, SimValues &values) {
+    Finger finger{};
+    finger.nearness = 1.0;
+    finger.pressure = std::pow(std::sin(kPi * seconds / kPressSeconds), 2);
+    finger.x = 0.5;
+    finger.y = 0.5;
+    return finger;
+}
+
+SimMotion motionOf(Finger (*fingerAt)(double seconds), double phase)
+{
+    return [fingerAt, phase](double seconds, const finger_info_ts &model, SimValues &values) {
         const Finger finger = fingerAt(seconds + phase);
         pressChannels(finger, model, values);
         pressForces(finger, values);
         approach(finger, values);
     };
+}
+
+} // namespace
+
+SimMotion movingFinger(double phase)
+{
+    return motionOf(wanderingAt, phase);
+}
+
+SimMotion pressingFinger(double phase)
+{
+    return motionOf(pressingAt, phase);
 }

@@ -17,8 +17,8 @@ struct SimCommandContext
     uint32_t upTimeSeconds;
 };
 
-/// Carries out a whole request frame and returns the payload of the answer, or nothing when the sensor does not know the
-/// command and keeps silent.
+/// Carries out a whole request frame and returns the payload of the answer, or nothing when the sensor does
+/// not know the command and keeps silent.
 std::optional<QByteArray> simExecute(const SimCommandContext &context, const QByteArray &request);
 
 /// Answer payload of commands that only report success (0) or a refusal.

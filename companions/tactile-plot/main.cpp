@@ -1,4 +1,5 @@
 #include "companions/EndSignals.h"
+#include "companions/command_line.h"
 #include "plotting/PlotServer.h"
 #include "plotting/window/PlotWindow.h"
 #include "plotting/window/plot_language.h"
@@ -14,8 +15,6 @@
 #include <cstdio>
 
 namespace {
-
-enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
 
 constexpr quint16 kUsualPort = 1347;
 
@@ -34,12 +33,6 @@ struct Options
     QString language = usualLanguage();
     QStringList files;
 };
-
-int complain(ExitCode code, const QString &line)
-{
-    std::fprintf(stderr, "tactile-plot: %s\n", qUtf8Printable(line));
-    return code;
-}
 
 /// Takes "port" or "address:port".
 bool readPlace(const QString &text, Options &options)
@@ -66,8 +59,6 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral(
         "Draws the samples of a sensor, live from the tool's TCP output or from recordings (*.csv)."));
-    const auto help = parser.addHelpOption();
-    const auto version = parser.addVersionOption();
     const QCommandLineOption listen(
         QStringLiteral("listen"),
         QStringLiteral(
@@ -86,14 +77,8 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
     parser.addOptions({listen, format, picture, language});
     parser.addPositionalArgument(QStringLiteral("files"), QStringLiteral("Recordings to open."),
                                  QStringLiteral("[files...]"));
-    if (!parser.parse(QCoreApplication::arguments()))
-        return complain(WrongUse, parser.errorText() + QStringLiteral(" See --help."));
-    if (parser.isSet(help) || parser.isSet(version)) {
-        const QString line = QCoreApplication::applicationName() + QLatin1Char(' ') +
-                             QCoreApplication::applicationVersion() + QLatin1Char('\n');
-        std::fputs(qUtf8Printable(parser.isSet(help) ? parser.helpText() : line), stdout);
-        return Done;
-    }
+    if (const auto code = readCommandLine(parser))
+        return code;
     options.files = parser.positionalArguments();
     options.picture = parser.value(picture);
     if (parser.isSet(listen) && !options.files.isEmpty())
