@@ -172,7 +172,9 @@ QTimer *fingerThread::newTimer(std::function<void()> handler)
 
 void fingerThread::publishList(const QStringList &names)
 {
-    const QVector<QString> list = names.toVector();
+    QVector<QString> list = names.toVector();
+    if (!m_offered.isEmpty())
+        list.append(m_offered);
     if (list == ch341List)
         return;
     Q_EMIT si_ch341ListUpdate(list);

@@ -14,11 +14,13 @@
 
 class QTimer;
 
-/// The acquisition worker. It alone owns the link: opens it, finds the sensors, reads their samples, carries out commands.
+/// The acquisition worker. It alone owns the link: opens it, finds the sensors, reads their samples, carries
+/// out commands.
 ///
-/// Made in the user interface thread, moved to a thread of its own, whose QThread::started runs started(). From then on
-/// everything happens in that thread; others speak to it by queued signals only, for which registerSensorTypes() must have
-/// run. One worker exists at a time. A `kind` beyond the three has no link and finds nothing.
+/// Made in the user interface thread, moved to a thread of its own, whose QThread::started runs started().
+/// From then on everything happens in that thread; others speak to it by queued signals only, for which
+/// registerSensorTypes() must have run. One worker exists at a time. A `kind` beyond the three has no link
+/// and finds nothing.
 class fingerThread : public QObject
 {
     Q_OBJECT
@@ -32,9 +34,13 @@ public:
     explicit fingerThread(uint8_t kind, QObject *parent = nullptr);
     ~fingerThread() override;
 
-    /// Raw access to the link for code in the worker's thread. readInf appends to `out` what a serial port holds; from a
-    /// bridge it reads `len` bytes into `out`, which is that long already. Both return the number of bytes; `timeout` has
-    /// no effect on any link.
+    /// A device beyond those that are listed, such as a pseudo-terminal; stands at the end of every list. To
+    /// be told before the worker starts.
+    void offerAlso(const QString &device) { m_offered = device; }
+
+    /// Raw access to the link for code in the worker's thread. readInf appends to `out` what a serial port
+    /// holds; from a bridge it reads `len` bytes into `out`, which is that long already. Both return the
+    /// number of bytes; `timeout` has no effect on any link.
     int readInf(uint8_t addr, QByteArray &out, int len, int timeout);
     int writeInf(uint8_t addr, const uint8_t *data, int len);
     /// Tells all sensors to start a conversion. Always 0.
@@ -104,6 +110,7 @@ private:
     QTimer *timerTick = nullptr;
     QTimer *timerLost = nullptr;
     std::unique_ptr<Work> m_work; ///< made and used in the worker's thread; null when there is no link
+    QString m_offered;
     bool m_stopped = false;
     bool m_inTick = false;
 };

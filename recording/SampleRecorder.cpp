@@ -1,9 +1,10 @@
 #include "recording/SampleRecorder.h"
 
 #include "protocol/sample.h"
+#include "recording/append_whole.h"
+#include "recording/recording_folder.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFile>
 #include <QObject>
 
@@ -80,15 +81,6 @@ void appendDataLine(QByteArray &line, const Sample &sample)
     line += kLineEnd;
 }
 
-// All of it or nothing: what a full disk let through is cut off again.
-bool appendWhole(QFile &file, qint64 sizeBefore, const QByteArray &bytes)
-{
-    if (file.write(bytes) == bytes.size())
-        return true;
-    file.resize(sizeBefore);
-    return false;
-}
-
 } // namespace
 
 SampleRecorder::SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t addr)
@@ -97,31 +89,23 @@ SampleRecorder::SampleRecorder(const QString &folder, uint8_t infIdx, uint8_t ad
     , m_addr(addr)
 {}
 
-QString SampleRecorder::newFileName() const
-{
-    return savePath + QDir::separator() +
-           QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss_zzz")) +
-           QString::asprintf("__%d__0x%02X.csv", m_infIdx + 1, m_addr);
-}
-
 bool SampleRecorder::append(const Sample &sample)
 {
     if (saveFileName.isEmpty())
-        saveFileName = newFileName();
+        saveFileName = recordingName(savePath, m_infIdx, m_addr, QStringLiteral("csv"));
     QFile file(saveFileName);
     // Unbuffered, so that the line goes out in one piece and its fate is known at once.
     if (!file.open(QIODevice::Append | QIODevice::Unbuffered)) {
         qDebug("%s", kFailure);
         return false;
     }
-    const qint64 size = file.size();
     QByteArray line;
-    if (size == 0) {
+    if (file.size() == 0) {
         qDebug("creat save file");
         line = headerLine(sample);
     }
     appendDataLine(line, sample);
-    const bool written = appendWhole(file, size, line);
+    const bool written = appendWhole(file, line);
     if (!written)
         qDebug("%s", kFailure);
     return written;

@@ -22,12 +22,12 @@ public:
     /// Appends a sample; starts a file when no run is on. False for a sample that could not be written: it is
     /// lost with a log line and the run goes on.
     bool append(const Sample &sample);
+    /// The file of the run; empty when none is on.
+    QString fileName() const { return saveFileName; }
     /// The next sample starts a new file.
     void endRun() { saveFileName.clear(); }
 
 private:
-    QString newFileName() const;
-
     QString savePath;
     QString saveFileName; ///< empty: no run
     uint8_t m_infIdx;
