@@ -20,6 +20,11 @@ const finger_info_ts *modelOf(const sensor_ts &sensor)
                                          : findFingerInfoByPrg(sensor.prg);
 }
 
+QString cannotBeWritten()
+{
+    return QStringLiteral("cannot be written");
+}
+
 } // namespace
 
 SampleLog::SampleLog(LogFormat format, QString folder)
@@ -29,7 +34,7 @@ SampleLog::SampleLog(LogFormat format, QString folder)
     if (!m_folder.isEmpty())
         return;
     m_output = std::make_shared<QFile>();
-    m_output->open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered);
+    m_output->open(fileno(stdout), QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
 void SampleLog::addSensor(const sensor_ts &sensor)
@@ -75,7 +80,7 @@ std::function<bool(const Sample &)> SampleLog::recorder(const sensor_ts &sensor)
     return [this, recorder](const Sample &sample) {
         const bool written = recorder->append(sample);
         if (!written)
-            m_error = QString::fromUtf8(SampleRecorder::kFailure);
+            m_error = cannotBeWritten();
         m_lastFile = recorder->fileName();
         return written;
     };
@@ -108,9 +113,13 @@ std::shared_ptr<QFile> SampleLog::newFile(const sensor_ts &sensor)
 
 bool SampleLog::write(QFile &file, const QByteArray &lines)
 {
-    const bool written = file.isOpen() && appendWhole(file, lines);
-    if (!written)
+    if (!file.isOpen()) {
         m_error = file.errorString();
+        return false;
+    }
+    const bool written = appendWhole(file, lines);
+    if (!written)
+        m_error = cannotBeWritten();
     else if (!m_output)
         m_lastFile = file.fileName();
     return written;

@@ -8,26 +8,9 @@ import tempfile
 import unittest
 from pathlib import Path
 
-PROGRAMS = Path(sys.argv.pop(1))
+from simulator import PROGRAMS, Simulator
+
 DOCUMENT = Path(__file__).parents[2] / 'docs' / 'simulator.md'
-
-
-class Simulator:
-    """A simulator that is served while the block runs; ends by the signal and gives its status."""
-
-    def __init__(self, *arguments, by=signal.SIGTERM):
-        self.command = [PROGRAMS / 'tactile-sim', *arguments]
-        self.by = by
-
-    def __enter__(self):
-        self.process = subprocess.Popen(self.command, stdout=subprocess.PIPE, text=True)
-        self.port = self.process.stdout.readline().strip()
-        return self
-
-    def __exit__(self, *_):
-        self.process.send_signal(self.by)
-        self.status = self.process.wait(20)
-        self.process.stdout.close()
 
 
 def robot(port):

@@ -1,0 +1,158 @@
+// What the recorder without a window writes, beside what the window writes of the same samples.
+
+#include "companions/tactile-log/SampleLog.h"
+#include "recording/recording_folder.h"
+#include "tests/panel/panel_bench.h"
+#include "tests/support/hex.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTranslator>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace {
+
+/// A sample of the bench's sensor, with a counter: as in PanelBench::sample().
+QVector<uint8_t> frame(int counter, int bytes = 62)
+{
+    const QByteArray pack =
+        PanelBench::sealed(hex("55aa0385") + static_cast<char>(counter) +
+                           hex("00 03000000 02000000 fdffffff 00000000 01000000 41420f00 06000000 07000000"
+                               "0000a03f 00000000 0000003f 00000000 5a00 07000000"))
+            .left(bytes);
+    return {pack.begin(), pack.end()};
+}
+
+sensor_ts sensor(uint8_t prg, uint8_t addr = 0x61)
+{
+    sensor_ts made;
+    made.addr = addr;
+    made.prg = prg;
+    made.sn = QStringLiteral("A\"1");
+    made.pack = frame(0);
+    return made;
+}
+
+/// The names of the files without their moments, and what stands in them without the times.
+QStringList files(const QString &folder)
+{
+    QStringList all;
+    for (const QFileInfo &info : QDir(folder).entryInfoList(QDir::Files, QDir::Name)) {
+        QFile file(info.filePath());
+        if (file.open(QIODevice::ReadOnly))
+            all += info.fileName().mid(19) + QLatin1Char('\n') +
+                   QString::fromLatin1(file.readAll())
+                       .replace(QRegularExpression(QStringLiteral("\\d{13}")), QStringLiteral("T"));
+    }
+    return all;
+}
+
+QStringList logged(LogFormat format, const QVector<QVector<uint8_t>> &packs, uint8_t prg = 2)
+{
+    const QTemporaryDir folder;
+    SampleLog log(format, folder.path());
+    log.addSensor(sensor(prg));
+    for (const auto &pack : packs)
+        log.take(0, 0x61, pack);
+    return files(folder.path());
+}
+
+} // namespace
+
+class TestSampleLog : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void recordsWhatTheWindowRecords()
+    {
+        Q_INIT_RESOURCE(translations);
+        QTranslator english;
+        QVERIFY(english.load(QStringLiteral(":/en.qm")));
+        QCoreApplication::installTranslator(&english);
+        // The second one is cut, and recorded like the one before.
+        const QVector<QVector<uint8_t>> packs{frame(1), frame(2, 61), frame(3)};
+        QDir(recordingFolder()).removeRecursively();
+        PanelBench window;
+        window.get<QCheckBox>("chkbtnSave")->setChecked(true);
+        for (const auto &pack : packs)
+            window.panel->sl_updateData(0, 0x61, pack);
+        const QStringList recorded = files(recordingFolder());
+        QCOMPARE(recorded.size(), 1);
+        QCOMPARE(recorded.first().count(QLatin1Char('\n')), 5);
+        QCOMPARE(logged(LogFormat::Recording, packs), recorded);
+    }
+
+    void writesCleanLines()
+    {
+        const QVector<QVector<uint8_t>> packs{frame(255), frame(0, 61), frame(1)};
+        const QString table = QStringLiteral(
+            "__1__0x61.csv\n"
+            "time_ms,counter,ch0,ch1,ch2,ch3,ch4,ch5,ch6,ch7,normal_force_n_0,tangential_force_n_0,"
+            "direction_deg_0,self_proximity_0\n"
+            "T,255,3,2,-3,0,1,1000001,6,7,1.25,0.50,90,7\n"
+            "T,1,3,2,-3,0,1,1000001,6,7,1.25,0.50,90,7\n");
+        QCOMPARE(logged(LogFormat::Csv, packs), QStringList{table});
+        QCOMPARE(logged(LogFormat::Csv, packs, 0xFF), QStringList{table}); // known by its length
+        const QString object = QStringLiteral(
+            "{\"time_ms\":T,\"bus\":1,\"address\":97,\"model\":\"KV-N1\",\"serial_number\":\"A\\\"1\","
+            "\"counter\":%1,"
+            "\"ch0\":3,\"ch1\":2,\"ch2\":-3,\"ch3\":0,\"ch4\":1,\"ch5\":1000001,\"ch6\":6,\"ch7\":7,"
+            "\"normal_force_n_0\":1.25,\"tangential_force_n_0\":0.50,\"direction_deg_0\":90,"
+            "\"self_proximity_0\":7}\n");
+        QCOMPARE(logged(LogFormat::JsonLines, packs),
+                 QStringList{QStringLiteral("__1__0x61.jsonl\n") + object.arg(255) + object.arg(1)});
+        QCOMPARE(logged(LogFormat::Csv, packs, 200), QStringList()); // of no known model
+    }
+
+    void countsAndKeepsApart()
+    {
+        const QTemporaryDir folder;
+        SampleLog log(LogFormat::Csv, folder.path());
+        log.addSensor(sensor(2));
+        log.addSensor(sensor(2, 0x62));
+        QVERIFY(log.take(0, 0x61, frame(254)));
+        QVERIFY(log.take(0, 0x62, frame(7)));
+        QVERIFY(log.take(0, 0x61, frame(1)));
+        QVERIFY(log.take(1, 0x61, frame(2))); // of another bus
+        QCOMPARE(log.sensorCount(), 2);
+        QCOMPARE(log.samples(), 3ULL);
+        QCOMPARE(log.lost(), 2ULL);
+        QVERIFY(log.lastFile().endsWith(QLatin1String("__1__0x61.csv")));
+        // A sensor that comes back begins another file, and nothing was lost meanwhile.
+        log.removeSensor(sensor(2));
+        QTest::qWait(2);
+        log.addSensor(sensor(2));
+        QVERIFY(log.take(0, 0x61, frame(100)));
+        QCOMPARE(log.lost(), 2ULL);
+        QCOMPARE(files(folder.path()).size(), 3);
+    }
+
+    void tellsOfAFullDisk()
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        for (const LogFormat format : {LogFormat::Csv, LogFormat::JsonLines, LogFormat::Recording}) {
+            const QTemporaryDir folder;
+            SampleLog log(format, folder.path());
+            log.addSensor(sensor(2));
+            QVERIFY(log.take(0, 0x61, frame(1)));
+            const QStringList before = files(folder.path());
+            const rlimit limit = {static_cast<rlim_t>(QFileInfo(log.lastFile()).size()) + 20, RLIM_INFINITY};
+            const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            const bool taken = log.take(0, 0x61, frame(2));
+            setrlimit(RLIMIT_FSIZE, &none);
+            QVERIFY(!taken);
+            QCOMPARE(log.error(), QStringLiteral("cannot be written"));
+            QCOMPARE(files(folder.path()), before);
+            QCOMPARE(log.samples(), 1ULL);
+        }
+    }
+};
+
+QTEST_MAIN(TestSampleLog)
+#include "tst_sample_log.moc"
