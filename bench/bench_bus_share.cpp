@@ -1,6 +1,7 @@
 // What the worker makes of a bridge's bus: the time it takes for its ticks against the time that their bits
 // need on the wire at 100 kHz, and what goes over the USB cable for one frame.
 
+#include "bench/bus_of_sensors.h"
 #include "engine/fingerThread.h"
 #include "engine/sensor_ts.h"
 #include "sim/SimCh341.h"
@@ -9,7 +10,6 @@
 
 #include <QCoreApplication>
 #include <QThread>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -29,24 +29,6 @@ struct Counts
     int sensors = 0;
     int frames = 0;
 };
-
-void runFor(int ms)
-{
-    QEventLoop loop;
-    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
-/// The multiplexer's channels in the order in which the worker numbers its buses.
-void plugSensors(SimI2cBus &bus, int count)
-{
-    constexpr int channels[] = {4, 5, 6, 3, 2, 0};
-    for (int i = 0; i < count; ++i) {
-        const auto sensor = std::make_shared<SimSensor>(0x02, static_cast<uint8_t>(0x61 + i));
-        sensor->setSampleRateHz(500);
-        bus.plug(sensor, channels[i % 6]);
-    }
-}
 
 void waitForSensors(const Counts &counts, int wanted)
 {
