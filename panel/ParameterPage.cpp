@@ -20,7 +20,6 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int kViewPage = 0;
-constexpr uint8_t kForceSendType = 4;
 constexpr std::chrono::milliseconds kThresholdReread = 200ms;
 
 uint8_t switchedOn(const QCheckBox *box)

@@ -9,6 +9,9 @@
 /// The shapes that the payload of a request has, and what the answers are read with. Byte numbers count from
 /// the start of the frame, so a payload is bytes 4 to 8. Everything is little-endian.
 
+/// The send type with which samples carry forces.
+constexpr uint8_t kForceSendType = 4;
+
 /// A channel or a switch in byte 4, 32 bits behind it.
 constexpr RequestPayload payloadByteAndWord(uint8_t byte4, uint32_t word)
 {

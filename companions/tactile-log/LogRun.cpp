@@ -1,6 +1,9 @@
 #include "companions/tactile-log/LogRun.h"
 
 #include "engine/fingerThread.h"
+#include "protocol/class_sensorCmd.h"
+#include "protocol/command.h"
+#include "protocol/payloads.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -67,11 +70,8 @@ void LogRun::wireWorker()
         m_connected = false;
         m_asked = false;
     });
-    connect(m_worker, &fingerThread::si_connectedSensor, this, [this](const sensor_ts &sensor) {
-        ++m_liveSensors;
-        if (isWanted(sensor.addr))
-            m_log.addSensor(sensor);
-    });
+    connect(this, &LogRun::requestWanted, m_worker, &fingerThread::sl_cmdReq1);
+    connect(m_worker, &fingerThread::si_connectedSensor, this, &LogRun::addSensor);
     connect(m_worker, &fingerThread::si_disconnectedSensor, this, [this](const sensor_ts &sensor) {
         --m_liveSensors;
         m_silence.restart();
@@ -83,6 +83,19 @@ void LogRun::wireWorker()
 bool LogRun::isWanted(uint8_t addr) const
 {
     return m_options.addresses.isEmpty() || m_options.addresses.contains(addr);
+}
+
+void LogRun::addSensor(const sensor_ts &sensor)
+{
+    ++m_liveSensors;
+    if (!isWanted(sensor.addr))
+        return;
+    // A sensor tells forces only when it is asked to, as the first page of a panel does.
+    const auto command = static_cast<uint8_t>(Command::SetSendType);
+    Q_EMIT requestWanted(sensor.infIdx, sensor.addr,
+                         requestFrame(sensor.type, command, payloadByte7(kForceSendType)),
+                         class_sensorCmd::getRspLen(command));
+    m_log.addSensor(sensor);
 }
 
 void LogRun::takeList(const QVector<QString> &devices)

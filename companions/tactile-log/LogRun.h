@@ -60,10 +60,12 @@ Q_SIGNALS:
 
     void connectWanted(const QString &device);
     void disconnectWanted();
+    void requestWanted(uint8_t infIdx, uint8_t addr, const QByteArray &frame, uint16_t rspLen);
 
 private:
     void wireWorker();
     void takeList(const QVector<QString> &devices);
+    void addSensor(const sensor_ts &sensor);
     void lookForDevice();
     void giveUpOn(const QString &device);
     void lookAtLine();

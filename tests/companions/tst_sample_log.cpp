@@ -1,7 +1,10 @@
 // What the recorder without a window writes, beside what the window writes of the same samples.
 
-#include "companions/tactile-log/SampleLog.h"
+#include "companions/tactile-log/LogRun.h"
+#include "engine/fingerThread.h"
 #include "recording/recording_folder.h"
+#include "sim/SimCh341.h"
+#include "sim/SimUsb.h"
 #include "tests/panel/panel_bench.h"
 #include "tests/support/hex.h"
 
@@ -130,6 +133,37 @@ private Q_SLOTS:
         QVERIFY(log.take(0, 0x61, frame(100)));
         QCOMPARE(log.lost(), 2ULL);
         QCOMPARE(files(folder.path()).size(), 3);
+    }
+
+    // Over a bridge that is pulled and plugged again.
+    void asksForForcesAndComesBack()
+    {
+        const auto finger = std::make_shared<SimSensor>(2, 0x61);
+        const auto other = std::make_shared<SimSensor>(2, 0x62);
+        const auto bridge = std::make_shared<SimCh341>(std::make_shared<SimI2cBus>(), 5, 2);
+        bridge->bus().plug(finger, 4);
+        bridge->bus().plug(other, 4);
+        SimUsb usb;
+        usb.plug(bridge);
+        const QTemporaryDir folder;
+        LogOptions options;
+        options.link = fingerThread::kCh341;
+        options.folder = folder.path();
+        options.addresses = {0x61};
+        LogRun run(options);
+        LogEnd why = LogEnd::NoSample;
+        connect(&run, &LogRun::ended, &run, [&why](LogEnd end) { why = end; });
+        for (const int count : {1, 2}) {
+            QTRY_COMPARE_WITH_TIMEOUT(files(folder.path()).size(), count, 30000);
+            QTRY_COMPARE(int(finger->settings().sendType), 4);
+            usb.unplug(bridge);
+            QTRY_VERIFY(run.status().startsWith(QLatin1String("waiting for the device, sensors: 0, ")));
+            usb.plug(bridge);
+        }
+        QVERIFY(int(other->settings().sendType) != 4);
+        run.end();
+        QCOMPARE(why, LogEnd::Done);
+        QVERIFY(run.log().samples() > 0);
     }
 
     void tellsOfAFullDisk()
