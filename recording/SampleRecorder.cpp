@@ -1,21 +1,13 @@
 #include "recording/SampleRecorder.h"
 
 #include "protocol/sample.h"
-#include "recording/append_whole.h"
 #include "recording/recording_folder.h"
+#include "recording/whole_lines.h"
 
 #include <QDateTime>
-#include <QFile>
 #include <QObject>
 
 namespace {
-
-// Spelt out, for a text file would write a line in pieces where its end has two bytes.
-#ifdef Q_OS_WIN
-constexpr const char *kLineEnd = "\r\n";
-#else
-constexpr const char *kLineEnd = "\n";
-#endif
 
 // Files hold Latin-1: a heading of other letters becomes question marks.
 void appendText(QByteArray &line, const QString &text)
@@ -93,20 +85,16 @@ bool SampleRecorder::append(const Sample &sample)
 {
     if (saveFileName.isEmpty())
         saveFileName = recordingName(savePath, m_infIdx, m_addr, QStringLiteral("csv"));
-    QFile file(saveFileName);
-    // Unbuffered, so that the line goes out in one piece and its fate is known at once.
-    if (!file.open(QIODevice::Append | QIODevice::Unbuffered)) {
+    m_error = appendToFile(saveFileName, [&sample](bool isEmpty) {
+        QByteArray line;
+        if (isEmpty) {
+            qDebug("creat save file");
+            line = headerLine(sample);
+        }
+        appendDataLine(line, sample);
+        return line;
+    });
+    if (!m_error.isEmpty())
         qDebug("%s", kFailure);
-        return false;
-    }
-    QByteArray line;
-    if (file.size() == 0) {
-        qDebug("creat save file");
-        line = headerLine(sample);
-    }
-    appendDataLine(line, sample);
-    const bool written = appendWhole(file, line);
-    if (!written)
-        qDebug("%s", kFailure);
-    return written;
+    return m_error.isEmpty();
 }

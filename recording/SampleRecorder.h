@@ -24,12 +24,15 @@ public:
     bool append(const Sample &sample);
     /// The file of the run; empty when none is on.
     QString fileName() const { return saveFileName; }
+    /// What the system had against the latest sample; empty when it was written.
+    QString error() const { return m_error; }
     /// The next sample starts a new file.
     void endRun() { saveFileName.clear(); }
 
 private:
     QString savePath;
     QString saveFileName; ///< empty: no run
+    QString m_error;
     uint8_t m_infIdx;
     uint8_t m_addr;
 };

@@ -11,9 +11,10 @@ demo="$root_dir/build/release/bin/tactile-host-demo"
 say_what_else() {
   say "Also to try, beside the tool:"
   echo "build/release/bin/tactile-sim --sensor 17@0x61  is a sensor for programs of your own (docs/simulator.md)"
+  echo "build/release/bin/tactile-log --link ch341      records without a window (docs/recordings.md)"
   [ -x "$root_dir/build/release/bin/tactile-plot" ] || return 0
-  echo "build/release/bin/tactile-plot                     draws what the tool sends over TCP (docs/plotting.md)"
-  echo "build/release/bin/tactile-plot recording.csv       draws a recording (docs/recordings.md)"
+  echo "build/release/bin/tactile-plot                    draws what the tool sends over TCP (docs/plotting.md)"
+  echo "build/release/bin/tactile-plot recording.csv      draws a recording (docs/recordings.md)"
 }
 
 if [ "${1:-}" != --tour ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then

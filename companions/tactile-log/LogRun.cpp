@@ -95,7 +95,9 @@ void LogRun::addSensor(const sensor_ts &sensor)
     Q_EMIT requestWanted(sensor.infIdx, sensor.addr,
                          requestFrame(sensor.type, command, payloadByte7(kForceSendType)),
                          class_sensorCmd::getRspLen(command));
-    m_log.addSensor(sensor);
+    const QString notice = m_log.addSensor(sensor);
+    if (!notice.isEmpty())
+        Q_EMIT noticed(notice);
 }
 
 void LogRun::takeList(const QVector<QString> &devices)
@@ -114,6 +116,11 @@ void LogRun::lookForDevice()
     }
     if (m_connected) {
         lookAtLine();
+        return;
+    }
+    if (m_options.device.isEmpty() && m_devices.size() > 1) {
+        finish(LogEnd::DeviceUnclear, QStringLiteral("several devices: %1. Name one with --device.")
+                                          .arg(m_devices.join(QStringLiteral(", "))));
         return;
     }
     const QString device = m_options.device.isEmpty() ? m_devices.value(0) : m_options.device;
@@ -152,11 +159,12 @@ void LogRun::take(uint8_t infIdx, uint8_t addr, const QVector<uint8_t> &pack)
 {
     if (m_ended || m_log.take(infIdx, addr, pack))
         return;
-    if (m_options.folder.isEmpty())
+    const QString place = m_options.folder.isEmpty() ? QStringLiteral("standard output") : m_log.lastFile();
+    if (m_log.isReaderGone())
         finish(LogEnd::ReaderGone, QStringLiteral("nobody reads the output any more."));
     else
-        finish(LogEnd::NotWritten, QStringLiteral("%1: %2. Make room, or choose another folder with --out.")
-                                       .arg(m_log.lastFile(), m_log.error()));
+        finish(LogEnd::NotWritten, QStringLiteral("%1: %2. Make room, or choose another place with --out.")
+                                       .arg(place, m_log.error()));
 }
 
 void LogRun::end()

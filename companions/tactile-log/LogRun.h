@@ -16,7 +16,7 @@ class fingerThread;
 struct LogOptions
 {
     uint8_t link = 0; ///< as fingerThread counts them
-    QString device;   ///< empty: the first that is listed
+    QString device;   ///< empty: the only one that is listed
     bool listsOnly = false;
     QString folder; ///< empty: the standard output
     LogFormat format = LogFormat::Csv;
@@ -27,7 +27,8 @@ struct LogOptions
 /// Why a run ended; the program's exit code.
 enum class LogEnd {
     Done = 0,
-    NoSample = 1, ///< nothing came that could be written
+    NoSample = 1,      ///< nothing came that could be written
+    DeviceUnclear = 2, ///< there are several
     DeviceMissing = 3,
     DeviceRefused = 4, ///< it is there, but cannot be opened
     NotWritten = 5,    ///< a file could not be written
@@ -55,6 +56,8 @@ public:
 Q_SIGNALS:
     /// Once, at the end.
     void ended(LogEnd why);
+    /// One line that the user should see; the run goes on.
+    void noticed(const QString &line);
     /// Every name once; only when just the list is wanted.
     void listed(const QStringList &devices);
 

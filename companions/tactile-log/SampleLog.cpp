@@ -1,28 +1,29 @@
 #include "companions/tactile-log/SampleLog.h"
 
 #include "recording/SampleRecorder.h"
-#include "recording/append_whole.h"
 #include "recording/recording_folder.h"
 #include "recording/sample_lines.h"
+#include "recording/whole_lines.h"
 
 #include <QDateTime>
 
+#include <cerrno>
 #include <cstdio>
 
 namespace {
 
 constexpr uint8_t kUnknownProgram = 0xFF;
 
-/// The row by which the window would show the sensor, or null.
+/// The row of the program id; without one, the first whose frames are as long. Null if neither fits.
 const finger_info_ts *modelOf(const sensor_ts &sensor)
 {
-    return sensor.prg == kUnknownProgram ? findFingerInfoByPackLen(sensor.pack.size())
-                                         : findFingerInfoByPrg(sensor.prg);
+    const finger_info_ts *model = sensor.prg == kUnknownProgram ? nullptr : findFingerInfoByPrg(sensor.prg);
+    return model ? model : findFingerInfoByPackLen(sensor.pack.size());
 }
 
-QString cannotBeWritten()
+QString nameOf(const sensor_ts &sensor)
 {
-    return QStringLiteral("cannot be written");
+    return QString::asprintf("sensor 0x%02X of bus %d", sensor.addr, sensor.infIdx + 1);
 }
 
 } // namespace
@@ -31,20 +32,22 @@ SampleLog::SampleLog(LogFormat format, QString folder)
     : m_format(format)
     , m_folder(std::move(folder))
 {
-    if (!m_folder.isEmpty())
-        return;
-    m_output = std::make_shared<QFile>();
-    m_output->open(fileno(stdout), QIODevice::WriteOnly | QIODevice::Unbuffered);
+    if (m_folder.isEmpty())
+        m_output.open(fileno(stdout), QIODevice::WriteOnly | QIODevice::Unbuffered);
 }
 
-void SampleLog::addSensor(const sensor_ts &sensor)
+QString SampleLog::addSensor(const sensor_ts &sensor)
 {
     const finger_info_ts *model = modelOf(sensor);
-    const bool hasRoom = !m_output || m_format != LogFormat::Csv || m_sensors.empty();
-    if (!model || !hasRoom)
-        return;
+    if (!model)
+        return QStringLiteral("%1 is left out: no known model has frames of %2 bytes.")
+            .arg(nameOf(sensor))
+            .arg(sensor.pack.size());
+    if (m_output.isOpen() && m_format == LogFormat::Csv && !m_sensors.empty())
+        return QStringLiteral("%1 is left out: one table has room for one sensor.").arg(nameOf(sensor));
     m_sensors[{sensor.infIdx, sensor.addr}] = {
         model, m_format == LogFormat::Recording ? recorder(sensor) : lineWriter(sensor, *model), {}};
+    return {};
 }
 
 void SampleLog::removeSensor(const sensor_ts &sensor)
@@ -68,59 +71,49 @@ bool SampleLog::take(uint8_t infIdx, uint8_t addr, const QVector<uint8_t> &pack)
     if (good && sensor.hasSample)
         m_lost += static_cast<uint8_t>(sensor.sample.counter - before - 1);
     sensor.hasSample = sensor.hasSample || good;
-    if (!sensor.append(sensor.sample))
+    m_error = sensor.write(sensor.sample);
+    if (!m_error.isEmpty())
         return false;
     ++m_samples;
     return true;
 }
 
-std::function<bool(const Sample &)> SampleLog::recorder(const sensor_ts &sensor)
+bool SampleLog::isReaderGone() const
+{
+    return m_output.isOpen() && m_error == qt_error_string(EPIPE);
+}
+
+SampleLog::Write SampleLog::recorder(const sensor_ts &sensor)
 {
     auto recorder = std::make_shared<SampleRecorder>(m_folder, sensor.infIdx, sensor.addr);
     return [this, recorder](const Sample &sample) {
-        const bool written = recorder->append(sample);
-        if (!written)
-            m_error = cannotBeWritten();
+        recorder->append(sample);
         m_lastFile = recorder->fileName();
-        return written;
+        return recorder->error();
     };
 }
 
-std::function<bool(const Sample &)> SampleLog::lineWriter(const sensor_ts &sensor,
-                                                          const finger_info_ts &model)
+SampleLog::Write SampleLog::lineWriter(const sensor_ts &sensor, const finger_info_ts &model)
 {
     const SampleSource source{sensor.infIdx, sensor.addr, QString::fromUtf8(model.model), sensor.sn};
-    return [this, sensor, source, file = m_output, isNew = true](const Sample &sample) mutable {
-        if (!file)
-            file = newFile(sensor);
+    const bool isTable = m_format == LogFormat::Csv;
+    return [this, source, isTable, path = QString()](const Sample &sample) mutable {
         const qint64 now = QDateTime::currentMSecsSinceEpoch();
-        if (m_format == LogFormat::JsonLines)
-            return write(*file, jsonLine(sample, now, source));
-        const QByteArray headings = isNew ? csvHeadings(sample) : QByteArray();
-        isNew = false;
-        return write(*file, headings + csvLine(sample, now));
+        const QByteArray line = isTable ? csvLine(sample, now) : jsonLine(sample, now, source);
+        if (m_output.isOpen())
+            return writeOut(isTable ? csvHeadings(sample) : QByteArray(), line);
+        if (path.isEmpty())
+            path = recordingName(m_folder, source.infIdx, source.addr,
+                                 isTable ? QStringLiteral("csv") : QStringLiteral("jsonl"));
+        m_lastFile = path;
+        return appendToFile(
+            path, [&](bool isEmpty) { return isEmpty && isTable ? csvHeadings(sample) + line : line; });
     };
 }
 
-std::shared_ptr<QFile> SampleLog::newFile(const sensor_ts &sensor)
+QString SampleLog::writeOut(const QByteArray &headings, const QByteArray &line)
 {
-    const auto extension = m_format == LogFormat::Csv ? QStringLiteral("csv") : QStringLiteral("jsonl");
-    auto file = std::make_shared<QFile>(recordingName(m_folder, sensor.infIdx, sensor.addr, extension));
-    file->open(QIODevice::Append | QIODevice::Unbuffered);
-    m_lastFile = file->fileName();
-    return file;
-}
-
-bool SampleLog::write(QFile &file, const QByteArray &lines)
-{
-    if (!file.isOpen()) {
-        m_error = file.errorString();
-        return false;
-    }
-    const bool written = appendWhole(file, lines);
-    if (!written)
-        m_error = cannotBeWritten();
-    else if (!m_output)
-        m_lastFile = file.fileName();
-    return written;
+    const QString reason = writeWhole(m_output, m_isHeaded ? line : headings + line);
+    m_isHeaded = m_isHeaded || reason.isEmpty();
+    return reason;
 }

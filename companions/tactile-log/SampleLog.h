@@ -25,7 +25,8 @@ public:
     /// the first.
     SampleLog(LogFormat format, QString folder);
 
-    void addSensor(const sensor_ts &sensor);
+    /// One line for the user when nothing of the sensor will be written; else empty.
+    QString addSensor(const sensor_ts &sensor);
     void removeSensor(const sensor_ts &sensor);
     /// False when the sample could not be written: error() says why.
     bool take(uint8_t infIdx, uint8_t addr, const QVector<uint8_t> &pack);
@@ -38,25 +39,29 @@ public:
     /// Where the latest sample went; empty before the first, and for the standard output.
     QString lastFile() const { return m_lastFile; }
     QString error() const { return m_error; }
+    /// Whether the reason is that nobody reads the standard output any more.
+    bool isReaderGone() const;
 
 private:
+    /// Gives the reason when the sample could not be written.
+    using Write = std::function<QString(const Sample &)>;
     struct Sensor
     {
         const finger_info_ts *model;
-        std::function<bool(const Sample &)> append;
+        Write write;
         Sample sample;
         bool hasSample = false;
     };
     using Place = std::pair<uint8_t, uint8_t>; ///< bus entry and address
 
-    std::function<bool(const Sample &)> recorder(const sensor_ts &sensor);
-    std::function<bool(const Sample &)> lineWriter(const sensor_ts &sensor, const finger_info_ts &model);
-    std::shared_ptr<QFile> newFile(const sensor_ts &sensor);
-    bool write(QFile &file, const QByteArray &lines);
+    Write recorder(const sensor_ts &sensor);
+    Write lineWriter(const sensor_ts &sensor, const finger_info_ts &model);
+    QString writeOut(const QByteArray &headings, const QByteArray &line);
 
     LogFormat m_format;
     QString m_folder;
-    std::shared_ptr<QFile> m_output; ///< the standard output; null when files are wanted
+    QFile m_output;          ///< the standard output; closed when files are wanted
+    bool m_isHeaded = false; ///< the standard output has its headings
     std::map<Place, Sensor> m_sensors;
     quint64 m_samples = 0;
     quint64 m_lost = 0;

@@ -69,7 +69,7 @@ struct Arguments
                                   QStringLiteral("uart|ch341|ch347")};
     const QCommandLineOption device{
         QStringLiteral("device"),
-        QStringLiteral("One of --list, or the path of a serial port; the first of the list if not given."),
+        QStringLiteral("One of --list, or the path of a serial port; needed only where there are several."),
         QStringLiteral("name")};
     const QCommandLineOption list{QStringLiteral("list"), QStringLiteral("Lists the devices and ends.")};
     const QCommandLineOption out{QStringLiteral("out"),
@@ -103,7 +103,8 @@ QString takeValues(const QCommandLineParser &parser, const Arguments &arguments,
     if (format < 0)
         return QStringLiteral("--format takes csv, jsonl or recording.");
     options.format = static_cast<LogFormat>(format);
-    const auto addresses = readAddresses(parser.values(arguments.sensor));
+    // "--sensor 0x61 0x62" reads as one would expect.
+    const auto addresses = readAddresses(parser.values(arguments.sensor) + parser.positionalArguments());
     if (!addresses)
         return QStringLiteral("--sensor takes an address from 0x01 to 0x6F.");
     options.addresses = *addresses;
@@ -136,10 +137,11 @@ std::optional<int> readOptions(LogOptions &options)
                        arguments.duration, arguments.sensor, arguments.output});
     if (const auto code = readCommandLine(parser))
         return code;
+    const bool hasStray = !parser.positionalArguments().isEmpty() && !parser.isSet(arguments.sensor);
     const QString wrong =
-        parser.positionalArguments().isEmpty()
-            ? takeValues(parser, arguments, options)
-            : QStringLiteral("%1: not an option. See --help.").arg(parser.positionalArguments().constFirst());
+        hasStray
+            ? QStringLiteral("%1: not an option. See --help.").arg(parser.positionalArguments().constFirst())
+            : takeValues(parser, arguments, options);
     if (!wrong.isEmpty())
         return complain(WrongUse, wrong);
     if (!options.folder.isEmpty() && !QDir().mkpath(options.folder))
@@ -159,6 +161,7 @@ int record(const LogOptions &options)
     });
     QObject::connect(&run, &LogRun::ended,
                      [&code](LogEnd why) { QCoreApplication::exit(code = static_cast<int>(why)); });
+    QObject::connect(&run, &LogRun::noticed, [](const QString &line) { complain(Done, line); });
     const EndSignals endSignals([&run] { run.end(); });
 
     QTimer statusTimer;

@@ -1,9 +1,11 @@
 """tactile-log from the outside: from process to process against simulated sensors, and what it says when it cannot."""
 import csv
 import json
+import re
 import resource
 import signal
 import subprocess
+import sys
 import tempfile
 import time
 import unittest
@@ -11,12 +13,13 @@ from pathlib import Path
 
 from simulator import PROGRAMS, Simulator
 
+DOCUMENT = Path(__file__).parents[2] / 'docs' / 'recordings.md'
 SENSORS = ('--sensor', '17@0x61', '--sensor', '55@0x65')
 
 
 def recorder(*arguments, **how):
-    return subprocess.Popen([PROGRAMS / 'tactile-log', '--link', 'uart', *map(str, arguments)], stdout=subprocess.PIPE,
-                            stderr=subprocess.PIPE, text=True, **how)
+    return subprocess.Popen([PROGRAMS / 'tactile-log', '--link', 'uart', *map(str, arguments)], stderr=subprocess.PIPE,
+                            text=True, **{'stdout': subprocess.PIPE, **how})
 
 
 def ended(process):
@@ -55,10 +58,13 @@ class TestRecorder(unittest.TestCase):
             self.assertNotIn(0, [(b - a) % 256 for a, b in zip(counters, counters[1:])])
             self.assertTrue(all(None not in row and None not in row.values() for row in rows))
             self.assertLess(abs(int(rows[-1]['time_ms']) / 1000 - time.time()), 60)
+            program = re.findall(r'```python\n(.*?)```', DOCUMENT.read_text(), re.S)[0]
+            said = subprocess.run([sys.executable, '-c', program, path], capture_output=True, text=True, check=True).stdout
+            self.assertEqual(said.split()[0], str(len(rows)))
 
     def test_lines_to_a_reader_that_goes(self):
         with Simulator(*SENSORS, '--faults', '3') as line:
-            process = recorder('--device', line.port, '--stdout', '--format', 'jsonl', '--sensor', '0x65')
+            process = recorder('--device', line.port, '--stdout', '--format', 'jsonl', '--sensor', '0x66', '0x65')
             samples = [json.loads(process.stdout.readline()) for _ in range(50)]
             process.stdout.close()
             self.assertEqual(process.wait(20), 6)
@@ -82,7 +88,7 @@ class TestRecorder(unittest.TestCase):
                                preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096)))
             code, _, complaint = ended(process)
         self.assertEqual(code, 5)
-        self.assertRegex(complaint, r'^tactile-log: \S+\.csv: cannot be written\. Make room, or choose another folder with --out\.\n$')
+        self.assertRegex(complaint, r'^tactile-log: \S+\.csv: File too large\. Make room, or choose another place with --out\.\n$')
         for path in self.files():
             self.assertTrue(path.read_text().endswith('\n'))
 
@@ -102,6 +108,10 @@ class TestRecorder(unittest.TestCase):
                 result = ended(recorder(*arguments.split(), cwd=self.folder))
                 self.assertEqual((result[0], result[2]), (code, f'tactile-log: {line}\n' if line else ''))
         with Simulator('--sensor', '2@0x61') as line:
+            with open('/dev/full', 'w') as full:
+                process = recorder('--device', line.port, '--sensor', '0x61', '--stdout', stdout=full)
+            self.assertEqual(ended(process)[::2], (5, 'tactile-log: standard output: No space left on device. Make room, or '
+                                                      'choose another place with --out.\n'))
             code, _, complaint = ended(recorder('--device', line.port, '--sensor', '0x62', '--for', '2s', cwd=self.folder))
             self.assertEqual((code, complaint), (1, 'tactile-log: no sensor of a known model was heard. Look at power, cable '
                                                     'and --sensor.\n'))
