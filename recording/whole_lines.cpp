@@ -12,7 +12,7 @@ QString writeWhole(QFile &file, const QByteArray &bytes)
     const QByteArray rest = bytes.mid(static_cast<int>(std::max<qint64>(first, 0)));
     if (first > 0 && file.write(rest) == rest.size())
         return {};
-    const QString reason = file.errorString();
+    QString reason = file.errorString();
     if (!file.isSequential())
         file.resize(sizeBefore);
     return reason;

@@ -12,7 +12,7 @@ if [ $# -gt 0 ]; then
   sources=("$@")
 else
   # What only another system builds has no headers here.
-  listed=$(git ls-files -- '*.cpp' ':!companions/EndSignals_windows.cpp')
+  listed=$(git ls-files -- '*.cpp' ':!companions/windows')
   mapfile -t sources <<<"$listed"
 fi
 # clang-tidy counts on standard error what it has left out; all else there is worth reading.

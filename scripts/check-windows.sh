@@ -23,7 +23,7 @@ for entry in json.loads((root / 'build/analyse/compile_commands.json').read_text
     if source.startswith('build/') or elsewhere.search(source):
         continue
     # A twin for the other system takes the flags of the one that is built here.
-    twin = re.sub(r'([_/])unix([./])', r'\1windows\2', source)
+    twin = re.sub('/unix/', '/windows/', source)
     flags = shlex.split(entry['command'].replace('mkspecs/linux-g++', 'mkspecs/win32-g++'))[1:-4]
     jobs.append((twin, [flag for flag in flags if flag not in ('-g', '-fPIC', '-fpch-preprocess')]))
 

@@ -113,7 +113,7 @@ SampleLog::Write SampleLog::lineWriter(const sensor_ts &sensor, const finger_inf
 
 QString SampleLog::writeOut(const QByteArray &headings, const QByteArray &line)
 {
-    const QString reason = writeWhole(m_output, m_isHeaded ? line : headings + line);
+    QString reason = writeWhole(m_output, m_isHeaded ? line : headings + line);
     m_isHeaded = m_isHeaded || reason.isEmpty();
     return reason;
 }
