@@ -61,147 +61,140 @@ class tst_command_queue : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void answersInOrder_data();
-    void answersInOrder();
-    void triesThreeTimes_data();
-    void triesThreeTimes();
-    void retriesOnTheBusesThatFollow();
-    void readsFromTheNewAddress();
-    void countsNoAttemptThatBecameVoid();
+    void answersInOrder_data()
+    {
+        QTest::addColumn<Kind>("kind");
+        QTest::newRow("serial") << Kind::Serial;
+        QTest::newRow("bridge") << Kind::Ch347;
+    }
+
+    void answersInOrder()
+    {
+        QFETCH(Kind, kind);
+        Queue queue(kind);
+        const QByteArray toNobody = hex("aa5562710000000000d201");
+        queue.request(toNobody, 11, 0x62);
+        queue.request(kReadAddress, 11);
+        queue.request(kReadSerial, 0xFFFF);
+        queue.request(kSetMode, 0);
+        QCOMPARE(queue.step(0), Outcome::Done); // another bus has its turn
+        queue.steps(3);
+        const auto before = queue.now;
+        QCOMPARE(queue.step(), Outcome::Done);
+        QCOMPARE(queue.now.count(), before.count()); // nothing is awaited
+        const QByteArray serial = queue.sensor->settings().serialNumber;
+        QCOMPARE(queue.results.size(), 2);
+        QCOMPARE(queue.results.at(0),
+                 QStringLiteral("ok 1/0x61 aa5561710000000000d101 > 55aa61f10000006100b202"));
+        // Of an answer of unknown length all that came is read, and cut to its frame.
+        QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok 1/0x61 aa5561a400000000000402 > 55aa61")));
+        QVERIFY(queue.results.at(1).chopped(4).endsWith(QString::fromLatin1(serial.toHex())));
+
+        QByteArray acknowledgement;
+        queue.bus.collect(acknowledgement, 11, 5); // lets it go out on the serial line
+        QCOMPARE(int(queue.sensor->settings().measuringMode), 1);
+        QCOMPARE(queue.sentTimes(toNobody), 0);
+        for (const char *logged :
+             {"add cmd:aa5561710000000000d101", "appendCmdList:4", "req 3:aa5561710000000000d101",
+              "rsp len:11", "rsp:55aa61f10000006100b202", "rsp len:500"})
+            QVERIFY2(queue.log.contains(QString::fromLatin1(logged)), logged);
+    }
+
+    void triesThreeTimes_data()
+    {
+        QTest::addColumn<QByteArray>("frame");
+        QTest::addColumn<int>("rspLen");
+        QTest::addColumn<int>("fault");
+        QTest::addColumn<int>("times");
+        QTest::addColumn<QByteArray>("rsp");
+        QTest::addColumn<QString>("log");
+        const auto unsound = QStringLiteral("chk err");
+        const auto given = QStringLiteral("cmdList:2");
+        QTest::newRow("too short") << kReadAddress << 11 << int(SimFault::WrongLength) << 2 << kAddressAnswer
+                                   << unsound;
+        QTest::newRow("to another command") << kReadAddress << 11 << int(SimFault::WrongEcho) << 2
+                                            << kAddressAnswer << QStringLiteral("try:1");
+        QTest::newRow("always spoilt")
+            << kReadAddress << 11 << int(SimFault::BadSum) << 3 << hex("55aa61f10000006100b302") << unsound;
+        QTest::newRow("glued, where the length is unknown")
+            << kReadAddress << 0xFFFF << int(SimFault::GluedFrame) << 3 << kAddressAnswer + kAddressAnswer
+            << given;
+        QTest::newRow("a request too short to be matched")
+            << hex("aa5561") << 6 << int(SimFault::Silence) << 3 << QByteArray() << given;
+    }
+
+    void triesThreeTimes()
+    {
+        QFETCH(QByteArray, frame);
+        QFETCH(int, rspLen);
+        QFETCH(int, fault);
+        QFETCH(int, times);
+        QFETCH(QByteArray, rsp);
+        QFETCH(QString, log);
+        Queue queue(Kind::Serial);
+        queue.sensor->faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x71), times);
+        queue.request(frame, static_cast<uint16_t>(rspLen));
+        queue.request(kReadChannels, 11);
+        queue.steps(4);
+        QCOMPARE(queue.results.size(), 2);
+        const auto how = times < 3 ? QStringLiteral("ok") : QStringLiteral("failed");
+        QCOMPARE(queue.results.at(0),
+                 how + QStringLiteral(" 1/0x61 ") + QString::fromLatin1(frame.toHex() + " > " + rsp.toHex()));
+        QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok")));
+        QVERIFY(queue.log.contains(log));
+        QCOMPARE(queue.log.count(QStringLiteral("req 1:") + QString::fromLatin1(frame.toHex())), 1);
+        QCOMPARE(queue.log.count(QStringLiteral("try:0")), times < 3 ? 0 : 1);
+    }
+
+    void retriesOnTheBusesThatFollow()
+    {
+        Queue queue(Kind::Ch347);
+        queue.sensor->setUnknown(0x71);
+        queue.request(kReadAddress, 11);
+        queue.step(1);
+        QCOMPARE(queue.now.count(), 10 * 10 + 50);
+        queue.step(2);
+        queue.step(3);
+        QCOMPARE(queue.now.count(), 3 * 150 + 50);
+        QCOMPARE(queue.results.size(), 1);
+        QVERIFY(queue.results.at(0).startsWith(QStringLiteral("failed 3/0x61")));
+        // Only the first attempt was made where the sensor is; nobody hears the others.
+        QCOMPARE(queue.sentTimes(kReadAddress), 1);
+        QCOMPARE(queue.log.count(QStringLiteral("req 1:aa5561710000000000d101")), 1);
+    }
+
+    void readsFromTheNewAddress()
+    {
+        Queue queue(Kind::Ch347);
+        queue.request(hex("aa55617000000065003502"), 11);
+        queue.step();
+        QCOMPARE(queue.results.size(), 1);
+        QVERIFY(queue.results.at(0).startsWith(QStringLiteral("ok 1/0x61")));
+        QCOMPARE(int(queue.sensor->address()), 0x65);
+    }
+
+    void countsNoAttemptThatBecameVoid()
+    {
+        Queue queue(Kind::Serial);
+        QObject::connect(&queue.link, &SensorLink::closed, &queue.commands, [&] { queue.bus.invalidate(); });
+        queue.sensor->setUnknown(0x71);
+        queue.request(kReadAddress, 11);
+        QCOMPARE(queue.step(), Outcome::Failed);
+        queue.onEvents = [&queue] {
+            if (queue.sentTimes(kReadAddress) == 2)
+                queue.link.close();
+        };
+        QCOMPARE(queue.step(), Outcome::Void);
+        queue.onEvents = [] {};
+
+        queue.sensor->setUnknown(0x71, false);
+        QVERIFY(queue.link.open(queue.pty.portName()));
+        queue.bus.beginTick();
+        QCOMPARE(queue.step(), Outcome::Done);
+        QVERIFY(queue.log.contains(QStringLiteral("req 2:aa5561710000000000d101")));
+        QVERIFY(!queue.log.contains(QStringLiteral("try:1")));
+    }
 };
-
-void tst_command_queue::answersInOrder_data()
-{
-    QTest::addColumn<Kind>("kind");
-    QTest::newRow("serial") << Kind::Serial;
-    QTest::newRow("bridge") << Kind::Ch347;
-}
-
-void tst_command_queue::answersInOrder()
-{
-    QFETCH(Kind, kind);
-    Queue queue(kind);
-    const QByteArray toNobody = hex("aa5562710000000000d201");
-    queue.request(toNobody, 11, 0x62);
-    queue.request(kReadAddress, 11);
-    queue.request(kReadSerial, 0xFFFF);
-    queue.request(kSetMode, 0);
-    QCOMPARE(queue.step(0), Outcome::Done); // another bus has its turn
-    queue.steps(3);
-    const auto before = queue.now;
-    QCOMPARE(queue.step(), Outcome::Done);
-    QCOMPARE(queue.now.count(), before.count()); // nothing is awaited
-    const QByteArray serial = queue.sensor->settings().serialNumber;
-    QCOMPARE(queue.results.size(), 2);
-    QCOMPARE(queue.results.at(0),
-             QStringLiteral("ok 1/0x61 aa5561710000000000d101 > 55aa61f10000006100b202"));
-    // Of an answer of unknown length all that came is read, and cut to its frame.
-    QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok 1/0x61 aa5561a400000000000402 > 55aa61")));
-    QVERIFY(queue.results.at(1).chopped(4).endsWith(QString::fromLatin1(serial.toHex())));
-
-    QByteArray acknowledgement;
-    queue.bus.collect(acknowledgement, 11, 5); // lets it go out on the serial line
-    QCOMPARE(int(queue.sensor->settings().measuringMode), 1);
-    QCOMPARE(queue.sentTimes(toNobody), 0);
-    for (const char *logged :
-         {"add cmd:aa5561710000000000d101", "appendCmdList:4", "req 3:aa5561710000000000d101", "rsp len:11",
-          "rsp:55aa61f10000006100b202", "rsp len:500"})
-        QVERIFY2(queue.log.contains(QString::fromLatin1(logged)), logged);
-}
-
-void tst_command_queue::triesThreeTimes_data()
-{
-    QTest::addColumn<QByteArray>("frame");
-    QTest::addColumn<int>("rspLen");
-    QTest::addColumn<int>("fault");
-    QTest::addColumn<int>("times");
-    QTest::addColumn<QByteArray>("rsp");
-    QTest::addColumn<QString>("log");
-    const auto unsound = QStringLiteral("chk err");
-    const auto given = QStringLiteral("cmdList:2");
-    QTest::newRow("too short") << kReadAddress << 11 << int(SimFault::WrongLength) << 2 << kAddressAnswer
-                               << unsound;
-    QTest::newRow("to another command")
-        << kReadAddress << 11 << int(SimFault::WrongEcho) << 2 << kAddressAnswer << QStringLiteral("try:1");
-    QTest::newRow("always spoilt") << kReadAddress << 11 << int(SimFault::BadSum) << 3
-                                   << hex("55aa61f10000006100b302") << unsound;
-    QTest::newRow("glued, where the length is unknown") << kReadAddress << 0xFFFF << int(SimFault::GluedFrame)
-                                                        << 3 << kAddressAnswer + kAddressAnswer << given;
-    QTest::newRow("a request too short to be matched")
-        << hex("aa5561") << 6 << int(SimFault::Silence) << 3 << QByteArray() << given;
-}
-
-void tst_command_queue::triesThreeTimes()
-{
-    QFETCH(QByteArray, frame);
-    QFETCH(int, rspLen);
-    QFETCH(int, fault);
-    QFETCH(int, times);
-    QFETCH(QByteArray, rsp);
-    QFETCH(QString, log);
-    Queue queue(Kind::Serial);
-    queue.sensor->faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x71), times);
-    queue.request(frame, static_cast<uint16_t>(rspLen));
-    queue.request(kReadChannels, 11);
-    queue.steps(4);
-    QCOMPARE(queue.results.size(), 2);
-    const auto how = times < 3 ? QStringLiteral("ok") : QStringLiteral("failed");
-    QCOMPARE(queue.results.at(0),
-             how + QStringLiteral(" 1/0x61 ") + QString::fromLatin1(frame.toHex() + " > " + rsp.toHex()));
-    QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok")));
-    QVERIFY(queue.log.contains(log));
-    QCOMPARE(queue.log.count(QStringLiteral("req 1:") + QString::fromLatin1(frame.toHex())), 1);
-    QCOMPARE(queue.log.count(QStringLiteral("try:0")), times < 3 ? 0 : 1);
-}
-
-void tst_command_queue::retriesOnTheBusesThatFollow()
-{
-    Queue queue(Kind::Ch347);
-    queue.sensor->setUnknown(0x71);
-    queue.request(kReadAddress, 11);
-    queue.step(1);
-    QCOMPARE(queue.now.count(), 10 * 10 + 50);
-    queue.step(2);
-    queue.step(3);
-    QCOMPARE(queue.now.count(), 3 * 150 + 50);
-    QCOMPARE(queue.results.size(), 1);
-    QVERIFY(queue.results.at(0).startsWith(QStringLiteral("failed 3/0x61")));
-    // Only the first attempt was made where the sensor is; nobody hears the others.
-    QCOMPARE(queue.sentTimes(kReadAddress), 1);
-    QCOMPARE(queue.log.count(QStringLiteral("req 1:aa5561710000000000d101")), 1);
-}
-
-void tst_command_queue::readsFromTheNewAddress()
-{
-    Queue queue(Kind::Ch347);
-    queue.request(hex("aa55617000000065003502"), 11);
-    queue.step();
-    QCOMPARE(queue.results.size(), 1);
-    QVERIFY(queue.results.at(0).startsWith(QStringLiteral("ok 1/0x61")));
-    QCOMPARE(int(queue.sensor->address()), 0x65);
-}
-
-void tst_command_queue::countsNoAttemptThatBecameVoid()
-{
-    Queue queue(Kind::Serial);
-    QObject::connect(&queue.link, &SensorLink::closed, &queue.commands, [&] { queue.bus.invalidate(); });
-    queue.sensor->setUnknown(0x71);
-    queue.request(kReadAddress, 11);
-    QCOMPARE(queue.step(), Outcome::Failed);
-    queue.onEvents = [&queue] {
-        if (queue.sentTimes(kReadAddress) == 2)
-            queue.link.close();
-    };
-    QCOMPARE(queue.step(), Outcome::Void);
-    queue.onEvents = [] {};
-
-    queue.sensor->setUnknown(0x71, false);
-    QVERIFY(queue.link.open(queue.pty.portName()));
-    queue.bus.beginTick();
-    QCOMPARE(queue.step(), Outcome::Done);
-    QVERIFY(queue.log.contains(QStringLiteral("req 2:aa5561710000000000d101")));
-    QVERIFY(!queue.log.contains(QStringLiteral("try:1")));
-}
 
 QTEST_GUILESS_MAIN(tst_command_queue)
 #include "tst_command_queue.moc"

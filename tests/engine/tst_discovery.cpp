@@ -41,162 +41,157 @@ class tst_discovery : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksInOrder_data();
-    void asksInOrder();
-    void findsOrLeavesOut_data();
-    void findsOrLeavesOut();
-    void stepsOverAddressesInUse();
-    void holdsOneSensorWithoutMultiplexer();
-    void isVoidWhenTheLinkGoes();
-};
-
-void tst_discovery::asksInOrder_data()
-{
-    QTest::addColumn<Kind>("kind");
-    QTest::addColumn<QString>("asked");
-    QTest::addColumn<int>("sleptMs");
-    // The serial number has no length, so the serial line waits all its passes for it.
-    QTest::newRow("serial") << Kind::Serial
-                            << QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000300d601 "
-                                              "aa5561a400000000000402 aa5561a600000000000602")
-                            << 150 + 50;
-    QTest::newRow("bridge") << Kind::Ch347
-                            << QStringLiteral("aa55037f00000000008101 aa55037300000003007801 "
-                                              "aa5503a40000000000a601 aa5503a60000000000a801")
-                            << 150 + 40;
-}
-
-void tst_discovery::asksInOrder()
-{
-    QFETCH(Kind, kind);
-    QFETCH(int, sleptMs);
-    Sweep sweep(kind);
-    sweep.sensor->setFrameType(uint8_t(0x09));
-    QCOMPARE(sweep.step(), Outcome::Done);
-    QTEST(sweep.sent().join(QLatin1Char(' ')), "asked");
-    QVERIFY2(sweep.now.count() >= sleptMs && sweep.now.count() < sleptMs + 40,
-             qPrintable(QString::number(sweep.now.count())));
-
-    QCOMPARE(sweep.found.size(), 1);
-    const sensor_ts record = sweep.found.constFirst();
-    QCOMPARE(int(record.infIdx), 1);
-    QCOMPARE(int(record.addr), 0x61);
-    QCOMPARE(int(record.prg), 0x1F);
-    QCOMPARE(int(record.type), 0x09);
-    QCOMPARE(record.pack.size(), 27);
-    QCOMPARE(record.sn, QStringLiteral("SN-7"));
-    QCOMPARE(int(record.periodMs), 50);
-    QVERIFY(sweep.log.contains(QStringLiteral("pack len2:27")));
-    QVERIFY(sweep.log.contains(QStringLiteral("set offset:3")));
-}
-
-void tst_discovery::findsOrLeavesOut_data()
-{
-    QTest::addColumn<Preparation>("prepare");
-    QTest::addColumn<QString>("found"); // number of the model and serial number
-    QTest::addColumn<QString>("log");
-    const auto deaf = [](uint8_t command) -> Preparation {
-        return [command](SimSensor &sensor) { sensor.setUnknown(command); };
-    };
-    const auto faulty = [](SimFault fault, const SimTarget &target, int count) -> Preparation {
-        return [=](SimSensor &sensor) { sensor.faults().schedule(fault, target, count); };
-    };
-    const auto unpolled = [](SimSensor::FirstLook look) -> Preparation {
-        return [look](SimSensor &sensor) { sensor.setFirstLook(0xF2, look); };
-    };
-    QTest::newRow("no id") << deaf(0xA6) << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
-    QTest::newRow("no serial number")
-        << deaf(0xA4) << QStringLiteral("31 KV-000000000") << QStringLiteral("set send type err");
-    QTest::newRow("no offset") << deaf(0x73) << QStringLiteral("31 SN-7") << QStringLiteral("set offset err");
-    QTest::newRow("short id") << faulty(SimFault::WrongLength, SimTarget::answersTo(0xA6), 1)
-                              << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
-    QTest::newRow("serial number with a zero in it") << Preparation([](SimSensor &sensor) {
-        SimSettings settings = sensor.settings();
-        settings.serialNumber = QByteArray("SN-8\0x", 6);
-        sensor.setSettings(settings);
-    }) << QStringLiteral("31 SN-8") << QStringLiteral("SN-8");
-    QTest::newRow("sends by itself at first") << unpolled(SimSensor::FirstLook::UntilSendType)
-                                              << QStringLiteral("31 SN-7") << QStringLiteral("pack len2:27");
-    QTest::newRow("goes on sending by itself")
-        << unpolled(SimSensor::FirstLook::Always) << QString() << QStringLiteral("chk err");
-    QTest::newRow("wrong echo") << faulty(SimFault::WrongEcho, SimTarget::answersTo(0x7F), 1) << QString()
-                                << QStringLiteral("setSensorSendType err");
-    QTest::newRow("spoilt frames") << faulty(SimFault::BadSum, SimTarget::samples(), 2) << QString()
-                                   << QStringLiteral("chk err");
-}
-
-void tst_discovery::findsOrLeavesOut()
-{
-    QFETCH(Preparation, prepare);
-    QFETCH(QString, found);
-    QFETCH(QString, log);
-    Sweep sweep(Kind::Serial);
-    prepare(*sweep.sensor);
-    sweep.step();
-    QCOMPARE(sweep.log.count(log), 1);
-    QString seen;
-    for (const sensor_ts &record : qAsConst(sweep.found))
-        seen += QString::number(record.prg) + QLatin1Char(' ') + record.sn;
-    QCOMPARE(seen, found);
-    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
-}
-
-void tst_discovery::stepsOverAddressesInUse()
-{
-    Sweep sweep(Kind::Serial);
-    sweep.entries[0].scanAddr = 0x6D;
-    sensor_ts live;
-    live.addr = 0x6F;
-    sweep.entries[0].sensors.append(live);
-    for (int i = 0; i < 3; ++i)
-        QCOMPARE(sweep.step(0), Outcome::Failed);
-    QCOMPARE(sweep.sent().join(QLatin1Char(' ')), QStringLiteral("6e91 01fe 02fd"));
-
-    for (int addr = 1; addr <= 0x6E; ++addr) {
-        live.addr = static_cast<uint8_t>(addr);
-        sweep.entries[0].sensors.append(live);
+    void asksInOrder_data()
+    {
+        QTest::addColumn<Kind>("kind");
+        QTest::addColumn<QString>("asked");
+        QTest::addColumn<int>("sleptMs");
+        // The serial number has no length, so the serial line waits all its passes for it.
+        QTest::newRow("serial") << Kind::Serial
+                                << QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000300d601 "
+                                                  "aa5561a400000000000402 aa5561a600000000000602")
+                                << 150 + 50;
+        QTest::newRow("bridge") << Kind::Ch347
+                                << QStringLiteral("aa55037f00000000008101 aa55037300000003007801 "
+                                                  "aa5503a40000000000a601 aa5503a60000000000a801")
+                                << 150 + 40;
     }
-    const int before = sweep.entries[0].scanAddr;
-    QCOMPARE(sweep.step(0), Outcome::Failed);
-    QCOMPARE(int(sweep.entries[0].scanAddr), before);
-}
 
-void tst_discovery::holdsOneSensorWithoutMultiplexer()
-{
-    Sweep sweep(Kind::Ch347);
-    sweep.i2c->setMultiplexerDead(true);
-    sweep.bus.probeMultiplexer();
-    QVERIFY(sweep.log.contains(QStringLiteral("not find pca")));
-    sweep.entries[0].sensors.append(sensor_ts());
-    QCOMPARE(sweep.step(), Outcome::Done);
-    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x60);
-    sweep.entries[0].sensors.clear();
-    QCOMPARE(sweep.step(), Outcome::Failed);
-    QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
-}
+    void asksInOrder()
+    {
+        QFETCH(Kind, kind);
+        QFETCH(int, sleptMs);
+        Sweep sweep(kind);
+        sweep.sensor->setFrameType(uint8_t(0x09));
+        QCOMPARE(sweep.step(), Outcome::Done);
+        QTEST(sweep.sent().join(QLatin1Char(' ')), "asked");
+        QVERIFY2(sweep.now.count() >= sleptMs && sweep.now.count() < sleptMs + 40,
+                 qPrintable(QString::number(sweep.now.count())));
 
-void tst_discovery::isVoidWhenTheLinkGoes()
-{
-    const QStringList all = QStringList{QStringLiteral("619e"),
-                                        QStringLiteral("aa55617f0000000000df01"),
-                                        QStringLiteral("619e"),
-                                        QStringLiteral("aa5561730000000300d601"),
-                                        QStringLiteral("aa5561a400000000000402"),
-                                        QStringLiteral("aa5561a600000000000602")};
-    for (int asked = 1; asked < all.size(); ++asked) {
-        Sweep sweep(Kind::Serial);
-        QObject::connect(&sweep.link, &SensorLink::closed, &sweep.discovery, [&] { sweep.bus.invalidate(); });
-        sweep.onEvents = [&] {
-            if (sweep.sent().size() == asked)
-                sweep.link.close();
+        QCOMPARE(sweep.found.size(), 1);
+        const sensor_ts record = sweep.found.constFirst();
+        QCOMPARE(int(record.infIdx), 1);
+        QCOMPARE(int(record.addr), 0x61);
+        QCOMPARE(int(record.prg), 0x1F);
+        QCOMPARE(int(record.type), 0x09);
+        QCOMPARE(record.pack.size(), 27);
+        QCOMPARE(record.sn, QStringLiteral("SN-7"));
+        QCOMPARE(int(record.periodMs), 50);
+        QVERIFY(sweep.log.contains(QStringLiteral("pack len2:27")));
+        QVERIFY(sweep.log.contains(QStringLiteral("set offset:3")));
+    }
+
+    void findsOrLeavesOut_data()
+    {
+        QTest::addColumn<Preparation>("prepare");
+        QTest::addColumn<QString>("found"); // number of the model and serial number
+        QTest::addColumn<QString>("log");
+        const auto deaf = [](uint8_t command) -> Preparation {
+            return [command](SimSensor &sensor) { sensor.setUnknown(command); };
         };
-        QCOMPARE(sweep.step(), Outcome::Void);
-        QCOMPARE(sweep.sent(), all.mid(0, asked));
-        QVERIFY(sweep.found.isEmpty());
-        for (const QString &line : sweep.log.lines())
-            QVERIFY2(!line.endsWith(QStringLiteral("err")), qPrintable(line));
+        const auto faulty = [](SimFault fault, const SimTarget &target, int count) -> Preparation {
+            return [=](SimSensor &sensor) { sensor.faults().schedule(fault, target, count); };
+        };
+        const auto unpolled = [](SimSensor::FirstLook look) -> Preparation {
+            return [look](SimSensor &sensor) { sensor.setFirstLook(0xF2, look); };
+        };
+        QTest::newRow("no id") << deaf(0xA6) << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
+        QTest::newRow("no serial number")
+            << deaf(0xA4) << QStringLiteral("31 KV-000000000") << QStringLiteral("set send type err");
+        QTest::newRow("no offset") << deaf(0x73) << QStringLiteral("31 SN-7")
+                                   << QStringLiteral("set offset err");
+        QTest::newRow("short id") << faulty(SimFault::WrongLength, SimTarget::answersTo(0xA6), 1)
+                                  << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
+        QTest::newRow("serial number with a zero in it") << Preparation([](SimSensor &sensor) {
+            SimSettings settings = sensor.settings();
+            settings.serialNumber = QByteArray("SN-8\0x", 6);
+            sensor.setSettings(settings);
+        }) << QStringLiteral("31 SN-8") << QStringLiteral("SN-8");
+        QTest::newRow("sends by itself at first")
+            << unpolled(SimSensor::FirstLook::UntilSendType) << QStringLiteral("31 SN-7")
+            << QStringLiteral("pack len2:27");
+        QTest::newRow("goes on sending by itself")
+            << unpolled(SimSensor::FirstLook::Always) << QString() << QStringLiteral("chk err");
+        QTest::newRow("wrong echo") << faulty(SimFault::WrongEcho, SimTarget::answersTo(0x7F), 1) << QString()
+                                    << QStringLiteral("setSensorSendType err");
+        QTest::newRow("spoilt frames")
+            << faulty(SimFault::BadSum, SimTarget::samples(), 2) << QString() << QStringLiteral("chk err");
     }
-}
+
+    void findsOrLeavesOut()
+    {
+        QFETCH(Preparation, prepare);
+        QFETCH(QString, found);
+        QFETCH(QString, log);
+        Sweep sweep(Kind::Serial);
+        prepare(*sweep.sensor);
+        sweep.step();
+        QCOMPARE(sweep.log.count(log), 1);
+        QString seen;
+        for (const sensor_ts &record : qAsConst(sweep.found))
+            seen += QString::number(record.prg) + QLatin1Char(' ') + record.sn;
+        QCOMPARE(seen, found);
+        QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+    }
+
+    void stepsOverAddressesInUse()
+    {
+        Sweep sweep(Kind::Serial);
+        sweep.entries[0].scanAddr = 0x6D;
+        sensor_ts live;
+        live.addr = 0x6F;
+        sweep.entries[0].sensors.append(live);
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(sweep.step(0), Outcome::Failed);
+        QCOMPARE(sweep.sent().join(QLatin1Char(' ')), QStringLiteral("6e91 01fe 02fd"));
+
+        for (int addr = 1; addr <= 0x6E; ++addr) {
+            live.addr = static_cast<uint8_t>(addr);
+            sweep.entries[0].sensors.append(live);
+        }
+        const int before = sweep.entries[0].scanAddr;
+        QCOMPARE(sweep.step(0), Outcome::Failed);
+        QCOMPARE(int(sweep.entries[0].scanAddr), before);
+    }
+
+    void holdsOneSensorWithoutMultiplexer()
+    {
+        Sweep sweep(Kind::Ch347);
+        sweep.i2c->setMultiplexerDead(true);
+        sweep.bus.probeMultiplexer();
+        QVERIFY(sweep.log.contains(QStringLiteral("not find pca")));
+        sweep.entries[0].sensors.append(sensor_ts());
+        QCOMPARE(sweep.step(), Outcome::Done);
+        QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x60);
+        sweep.entries[0].sensors.clear();
+        QCOMPARE(sweep.step(), Outcome::Failed);
+        QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+    }
+
+    void isVoidWhenTheLinkGoes()
+    {
+        const QStringList all = QStringList{QStringLiteral("619e"),
+                                            QStringLiteral("aa55617f0000000000df01"),
+                                            QStringLiteral("619e"),
+                                            QStringLiteral("aa5561730000000300d601"),
+                                            QStringLiteral("aa5561a400000000000402"),
+                                            QStringLiteral("aa5561a600000000000602")};
+        for (int asked = 1; asked < all.size(); ++asked) {
+            Sweep sweep(Kind::Serial);
+            QObject::connect(&sweep.link, &SensorLink::closed, &sweep.discovery,
+                             [&] { sweep.bus.invalidate(); });
+            sweep.onEvents = [&] {
+                if (sweep.sent().size() == asked)
+                    sweep.link.close();
+            };
+            QCOMPARE(sweep.step(), Outcome::Void);
+            QCOMPARE(sweep.sent(), all.mid(0, asked));
+            QVERIFY(sweep.found.isEmpty());
+            for (const QString &line : sweep.log.lines())
+                QVERIFY2(!line.endsWith(QStringLiteral("err")), qPrintable(line));
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_discovery)
 #include "tst_discovery.moc"

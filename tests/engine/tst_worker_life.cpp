@@ -9,104 +9,98 @@ class tst_worker_life : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void opensWhatIsListedOnceOnly();
-    void disconnectReportsSensorsFirst();
-    void stopReportsEverySensorOnce();
-    void stopInTheMiddleOfADiscovery();
-    void opensAgainInTheMiddleOfACommand();
-};
+    void opensWhatIsListedOnceOnly()
+    {
+        const SimSerialBus other;
+        SerialRig rig;
+        QVERIFY(rig.connect());
+        Q_EMIT rig.harness.si_connectCh341(other.portName());
+        rig.harness.disconnectLink();
+        QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
+        Q_EMIT rig.harness.si_connectCh341(QStringLiteral("pts/none"));
+        rig.harness.stop();
+        QCOMPARE(rig.harness.story(), QStringLiteral("up, down"));
+        QCOMPARE(rig.harness.log.lines().join(QLatin1Char('|')),
+                 QStringLiteral("fingerThread new|uart init|uart init|uart connect|uart connected|start:1|"
+                                "uart disconnect|stop:2|fingerThread stop|stop:0|fingerThread exit|"
+                                "fingerThread stop|stop:0|fingerThread delete|stop:0|uart deinit"));
+    }
 
-void tst_worker_life::opensWhatIsListedOnceOnly()
-{
-    const SimSerialBus other;
-    SerialRig rig;
-    QVERIFY(rig.connect());
-    Q_EMIT rig.harness.si_connectCh341(other.portName());
-    rig.harness.disconnectLink();
-    QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
-    Q_EMIT rig.harness.si_connectCh341(QStringLiteral("pts/none"));
-    rig.harness.stop();
-    QCOMPARE(rig.harness.story(), QStringLiteral("up, down"));
-    QCOMPARE(rig.harness.log.lines().join(QLatin1Char('|')),
-             QStringLiteral("fingerThread new|uart init|uart init|uart connect|uart connected|start:1|"
-                            "uart disconnect|stop:2|fingerThread stop|stop:0|fingerThread exit|"
-                            "fingerThread stop|stop:0|fingerThread delete|stop:0|uart deinit"));
-}
-
-void tst_worker_life::disconnectReportsSensorsFirst()
-{
-    SerialRig rig;
-    rig.plug(0x02, 0x61);
-    rig.plug(0x1C, 0x62);
-    QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x62")));
-    rig.harness.disconnectLink();
-    QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
-    QCOMPARE(rig.harness.story(),
-             QStringLiteral("up, found 0/0x61, found 0/0x62, gone 0/0x61, gone 0/0x62, down"));
-
-    // The sweep goes on where it was, so what lies ahead is found first.
-    rig.harness.events.clear();
-    rig.plug(0x1C, 0x67);
-    QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x67")));
-    QCOMPARE(rig.harness.story(), QStringLiteral("up, found 0/0x67"));
-
-    // A port that is lost takes its sensors with it, and can be opened again when it is back.
-    const QString name = rig.bus.portName();
-    rig.bus.removePort();
-    QVERIFY(rig.harness.waitForEvent(QStringLiteral("gone 0/0x67")));
-    rig.harness.disconnectLink();
-    QTRY_VERIFY(!rig.harness.devices.contains(name));
-    rig.bus.restorePort();
-    QVERIFY(rig.connect());
-}
-
-void tst_worker_life::stopReportsEverySensorOnce()
-{
-    for (const bool quitFirst : {false, true}) {
+    void disconnectReportsSensorsFirst()
+    {
         SerialRig rig;
         rig.plug(0x02, 0x61);
-        QVERIFY(rig.connectAndFind());
-        QTRY_VERIFY(rig.harness.sampleCount(0, 0x61) > 5);
-        rig.harness.stop(quitFirst);
-        // An open link is closed without a word.
-        QCOMPARE(rig.harness.story(), QStringLiteral("up, found 0/0x61, gone 0/0x61"));
-        QCOMPARE(rig.harness.log.count(QStringLiteral("fingerThread exit")), 1);
-        QCOMPARE(rig.harness.log.count(QStringLiteral("fingerThread stop")), 2);
+        rig.plug(0x1C, 0x62);
+        QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x62")));
+        rig.harness.disconnectLink();
+        QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
+        QCOMPARE(rig.harness.story(),
+                 QStringLiteral("up, found 0/0x61, found 0/0x62, gone 0/0x61, gone 0/0x62, down"));
 
-        rig.harness.start();
+        // The sweep goes on where it was, so what lies ahead is found first.
+        rig.harness.events.clear();
+        rig.plug(0x1C, 0x67);
+        QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x67")));
+        QCOMPARE(rig.harness.story(), QStringLiteral("up, found 0/0x67"));
+
+        // A port that is lost takes its sensors with it, and can be opened again when it is back.
+        const QString name = rig.bus.portName();
+        rig.bus.removePort();
+        QVERIFY(rig.harness.waitForEvent(QStringLiteral("gone 0/0x67")));
+        rig.harness.disconnectLink();
+        QTRY_VERIFY(!rig.harness.devices.contains(name));
+        rig.bus.restorePort();
         QVERIFY(rig.connect());
     }
-}
 
-void tst_worker_life::stopInTheMiddleOfADiscovery()
-{
-    SerialRig rig;
-    rig.plug(0x02, 0x61)->faults().schedule(SimFault::Silence, SimTarget::answersTo(0xA4), 1);
-    QVERIFY(rig.connect());
-    // The answer to this never comes, so the worker is waiting for it when the stop arrives.
-    const QByteArray question = QByteArray::fromHex("AA5561A400000000000402");
-    QVERIFY(rig.bus.journal().waitFor(SimRecord::Kind::Request, question, 40s));
-    rig.harness.stop();
-    QCOMPARE(rig.harness.story(), QStringLiteral("up"));
-    QVERIFY(!rig.harness.log.contains(QStringLiteral("set send type err")));
-}
+    void stopReportsEverySensorOnce()
+    {
+        for (const bool quitFirst : {false, true}) {
+            SerialRig rig;
+            rig.plug(0x02, 0x61);
+            QVERIFY(rig.connectAndFind());
+            QTRY_VERIFY(rig.harness.sampleCount(0, 0x61) > 5);
+            rig.harness.stop(quitFirst);
+            // An open link is closed without a word.
+            QCOMPARE(rig.harness.story(), QStringLiteral("up, found 0/0x61, gone 0/0x61"));
+            QCOMPARE(rig.harness.log.count(QStringLiteral("fingerThread exit")), 1);
+            QCOMPARE(rig.harness.log.count(QStringLiteral("fingerThread stop")), 2);
 
-void tst_worker_life::opensAgainInTheMiddleOfACommand()
-{
-    SerialRig rig;
-    const auto sensor = rig.plug(0x02, 0x61);
-    QVERIFY(rig.connectAndFind());
-    const QByteArray readAddress = hex("aa5561710000000000d101");
-    sensor->setUnknown(0x71);
-    rig.harness.request(0, 0x61, readAddress, 11);
-    QTRY_COMPARE(rig.sent(readAddress), 2);
-    sensor->setUnknown(0x71, false);
-    rig.harness.disconnectLink();
-    QVERIFY(rig.connect());
-    QTRY_COMPARE(rig.harness.responses.size(), 1);
-    QVERIFY(rig.harness.responses.at(0).good);
-    QCOMPARE(rig.sent(readAddress), 3);
-}
+            rig.harness.start();
+            QVERIFY(rig.connect());
+        }
+    }
+
+    void stopInTheMiddleOfADiscovery()
+    {
+        SerialRig rig;
+        rig.plug(0x02, 0x61)->faults().schedule(SimFault::Silence, SimTarget::answersTo(0xA4), 1);
+        QVERIFY(rig.connect());
+        // The answer to this never comes, so the worker is waiting for it when the stop arrives.
+        const QByteArray question = QByteArray::fromHex("AA5561A400000000000402");
+        QVERIFY(rig.bus.journal().waitFor(SimRecord::Kind::Request, question, 40s));
+        rig.harness.stop();
+        QCOMPARE(rig.harness.story(), QStringLiteral("up"));
+        QVERIFY(!rig.harness.log.contains(QStringLiteral("set send type err")));
+    }
+
+    void opensAgainInTheMiddleOfACommand()
+    {
+        SerialRig rig;
+        const auto sensor = rig.plug(0x02, 0x61);
+        QVERIFY(rig.connectAndFind());
+        const QByteArray readAddress = hex("aa5561710000000000d101");
+        sensor->setUnknown(0x71);
+        rig.harness.request(0, 0x61, readAddress, 11);
+        QTRY_COMPARE(rig.sent(readAddress), 2);
+        sensor->setUnknown(0x71, false);
+        rig.harness.disconnectLink();
+        QVERIFY(rig.connect());
+        QTRY_COMPARE(rig.harness.responses.size(), 1);
+        QVERIFY(rig.harness.responses.at(0).good);
+        QCOMPARE(rig.sent(readAddress), 3);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_worker_life)
 #include "tst_worker_life.moc"

@@ -67,119 +67,109 @@ class tst_class_uart : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void lineSettingsAndTraffic();
-    void openAndCloseSignals();
-    void lists();
-    void lossByPermissionErrorOnly();
-    void pollsWhileClosedAndWanted();
-};
+    void init() { vendor().reset(); }
 
-void tst_class_uart::init()
-{
-    vendor().reset();
-}
-
-void tst_class_uart::lineSettingsAndTraffic()
-{
-    Terminal terminal;
-    LogCapture log;
+    void lineSettingsAndTraffic()
     {
-        class_uart link;
-        QVERIFY(link.open(terminal.name(), 460800));
-        QCOMPARE(link.port->baudRate(), 460800);
-        const termios settings = terminal.settings();
-        QCOMPARE(cfgetispeed(&settings), speed_t{B460800});
-        QCOMPARE(cfgetospeed(&settings), speed_t{B460800});
-        QCOMPARE(settings.c_cflag & tcflag_t{CSIZE | PARENB | CSTOPB | CRTSCTS}, tcflag_t{CS8});
+        Terminal terminal;
+        LogCapture log;
+        {
+            class_uart link;
+            QVERIFY(link.open(terminal.name(), 460800));
+            QCOMPARE(link.port->baudRate(), 460800);
+            const termios settings = terminal.settings();
+            QCOMPARE(cfgetispeed(&settings), speed_t{B460800});
+            QCOMPARE(cfgetospeed(&settings), speed_t{B460800});
+            QCOMPARE(settings.c_cflag & tcflag_t{CSIZE | PARENB | CSTOPB | CRTSCTS}, tcflag_t{CS8});
 
-        const QByteArray pair = QByteArray::fromHex("619E");
-        link.port->write(pair);
-        QVERIFY(link.port->waitForBytesWritten(5000));
-        QCOMPARE(terminal.read(2), pair);
-        terminal.write(QByteArray::fromHex("55AA000D0A1113FF"));
-        QByteArray received;
-        QTRY_COMPARE((received += link.port->readAll()), QByteArray::fromHex("55AA000D0A1113FF"));
+            const QByteArray pair = QByteArray::fromHex("619E");
+            link.port->write(pair);
+            QVERIFY(link.port->waitForBytesWritten(5000));
+            QCOMPARE(terminal.read(2), pair);
+            terminal.write(QByteArray::fromHex("55AA000D0A1113FF"));
+            QByteArray received;
+            QTRY_COMPARE((received += link.port->readAll()), QByteArray::fromHex("55AA000D0A1113FF"));
+        }
+        QCOMPARE(log.lines(), (QStringList{QStringLiteral("uart init"), QStringLiteral("uart deinit")}));
     }
-    QCOMPARE(log.lines(), (QStringList{QStringLiteral("uart init"), QStringLiteral("uart deinit")}));
-}
 
-void tst_class_uart::openAndCloseSignals()
-{
-    Terminal first;
-    Terminal second;
-    class_uart link;
-    QStringList order;
-    connect(&link, &class_uart::si_openSuccess, [&] { order.append(QStringLiteral("opened")); });
-    connect(&link, &class_uart::si_openFail, [&] { order.append(QStringLiteral("failed")); });
-    connect(&link, &class_uart::si_close, [&] { order.append(QStringLiteral("closed")); });
-    link.close();
-    QVERIFY(link.open(first.name(), 115200));
-    QVERIFY(link.open(second.name(), 921600));
-    QCOMPARE(link.port->portName(), second.name().mid(5));
-    link.close();
-    QVERIFY(!link.port->isOpen());
-    QVERIFY(!link.open(QStringLiteral("/dev/no-such-port"), 115200));
-    QCOMPARE(order.join(QLatin1Char(' ')), QLatin1String("closed opened opened closed failed"));
-}
+    void openAndCloseSignals()
+    {
+        Terminal first;
+        Terminal second;
+        class_uart link;
+        QStringList order;
+        connect(&link, &class_uart::si_openSuccess, [&] { order.append(QStringLiteral("opened")); });
+        connect(&link, &class_uart::si_openFail, [&] { order.append(QStringLiteral("failed")); });
+        connect(&link, &class_uart::si_close, [&] { order.append(QStringLiteral("closed")); });
+        link.close();
+        QVERIFY(link.open(first.name(), 115200));
+        QVERIFY(link.open(second.name(), 921600));
+        QCOMPARE(link.port->portName(), second.name().mid(5));
+        link.close();
+        QVERIFY(!link.port->isOpen());
+        QVERIFY(!link.open(QStringLiteral("/dev/no-such-port"), 115200));
+        QCOMPARE(order.join(QLatin1Char(' ')), QLatin1String("closed opened opened closed failed"));
+    }
 
-void tst_class_uart::lists()
-{
-    Terminal terminal;
-    class_uart link;
-    QSignalSpy lists(&link, &class_uart::si_scanEnd);
-    vendor().portNames = QStringList{QStringLiteral("zz"), terminal.name(), QStringLiteral("aa")};
-    link.scan(false);
-    link.scan(true);
-    QCOMPARE(lists.size(), 2);
-    QCOMPARE(lists[0][0].toStringList(), vendor().portNames);
-    QCOMPARE(lists[1][0].toStringList(), QStringList(terminal.name()));
-    QVERIFY(!link.port->isOpen());
-    // What has not been opened is not closed, a port in use least of all.
-    QCOMPARE(link.port->error(), QSerialPort::DeviceNotFoundError);
-    QVERIFY(link.open(terminal.name(), 115200));
-    link.scan(true);
-    QVERIFY(link.port->isOpen());
-}
+    void lists()
+    {
+        Terminal terminal;
+        class_uart link;
+        QSignalSpy lists(&link, &class_uart::si_scanEnd);
+        vendor().portNames = QStringList{QStringLiteral("zz"), terminal.name(), QStringLiteral("aa")};
+        link.scan(false);
+        link.scan(true);
+        QCOMPARE(lists.size(), 2);
+        QCOMPARE(lists[0][0].toStringList(), vendor().portNames);
+        QCOMPARE(lists[1][0].toStringList(), QStringList(terminal.name()));
+        QVERIFY(!link.port->isOpen());
+        // What has not been opened is not closed, a port in use least of all.
+        QCOMPARE(link.port->error(), QSerialPort::DeviceNotFoundError);
+        QVERIFY(link.open(terminal.name(), 115200));
+        link.scan(true);
+        QVERIFY(link.port->isOpen());
+    }
 
-void tst_class_uart::lossByPermissionErrorOnly()
-{
-    Terminal terminal;
-    class_uart link;
-    QVERIFY(link.open(terminal.name(), 115200));
-    QSignalSpy close(&link, &class_uart::si_close);
-    Q_EMIT link.port->errorOccurred(QSerialPort::ResourceError);
-    QCOMPARE(close.size(), 0);
-    QVERIFY(link.port->isOpen());
-    Q_EMIT link.port->errorOccurred(QSerialPort::PermissionError);
-    QVERIFY(!link.port->isOpen());
-    Q_EMIT link.port->errorOccurred(QSerialPort::PermissionError);
-    QCOMPARE(close.size(), 1);
-}
+    void lossByPermissionErrorOnly()
+    {
+        Terminal terminal;
+        class_uart link;
+        QVERIFY(link.open(terminal.name(), 115200));
+        QSignalSpy close(&link, &class_uart::si_close);
+        Q_EMIT link.port->errorOccurred(QSerialPort::ResourceError);
+        QCOMPARE(close.size(), 0);
+        QVERIFY(link.port->isOpen());
+        Q_EMIT link.port->errorOccurred(QSerialPort::PermissionError);
+        QVERIFY(!link.port->isOpen());
+        Q_EMIT link.port->errorOccurred(QSerialPort::PermissionError);
+        QCOMPARE(close.size(), 1);
+    }
 
-void tst_class_uart::pollsWhileClosedAndWanted()
-{
-    Terminal terminal;
-    class_uart link;
-    bool wanted = true;
-    auto *poller = new SerialPortPoller(&link, [&] { return wanted; });
-    QSignalSpy lists(poller, &SerialPortPoller::portsListed);
-    // However many ask, there is one list every 500 ms.
-    link.scan(false);
-    link.scan(false);
-    QCOMPARE(lists.size(), 2);
-    QElapsedTimer clock;
-    clock.start();
-    QTRY_COMPARE(lists.size(), 4);
-    QVERIFY2(clock.elapsed() >= 950, qPrintable(QString::number(clock.elapsed())));
+    void pollsWhileClosedAndWanted()
+    {
+        Terminal terminal;
+        class_uart link;
+        bool wanted = true;
+        auto *poller = new SerialPortPoller(&link, [&] { return wanted; });
+        QSignalSpy lists(poller, &SerialPortPoller::portsListed);
+        // However many ask, there is one list every 500 ms.
+        link.scan(false);
+        link.scan(false);
+        QCOMPARE(lists.size(), 2);
+        QElapsedTimer clock;
+        clock.start();
+        QTRY_COMPARE(lists.size(), 4);
+        QVERIFY2(clock.elapsed() >= 950, qPrintable(QString::number(clock.elapsed())));
 
-    link.open(terminal.name(), 115200);
-    QVERIFY(!lists.wait(700));
-    link.close();
-    QVERIFY(lists.wait(5000));
-    wanted = false;
-    QVERIFY(!lists.wait(700));
-}
+        link.open(terminal.name(), 115200);
+        QVERIFY(!lists.wait(700));
+        link.close();
+        QVERIFY(lists.wait(5000));
+        wanted = false;
+        QVERIFY(!lists.wait(700));
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_class_uart)
 #include "tst_class_uart.moc"

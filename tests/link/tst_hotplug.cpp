@@ -55,110 +55,104 @@ class tst_hotplug : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void workIsDoneOnOwnersThread();
-    void transfersMeetRemovals();
-    void instancesComeAndGo();
-    void ch347Routine();
-};
+    void init()
+    {
+        qRegisterMetaType<QVector<uint16_t>>("QVector<uint16_t>");
+        vendor().reset();
+    }
 
-void tst_hotplug::init()
-{
-    qRegisterMetaType<QVector<uint16_t>>("QVector<uint16_t>");
-    vendor().reset();
-}
-
-void tst_hotplug::workIsDoneOnOwnersThread()
-{
-    vendor().setCh341Ids({1002});
-    class_ch341 link;
-    link.scan();
-    QVERIFY(link.open(1002));
-    QThread *emittedOn = nullptr;
-    connect(
-        &link, &class_ch341::si_updateList, &link, [&] { emittedOn = QThread::currentThread(); },
-        Qt::DirectConnection);
-    std::thread library([] {
-        vendor().setCh341Ids({});
-        vendor().notify(0);
+    void workIsDoneOnOwnersThread()
+    {
         vendor().setCh341Ids({1002});
-        vendor().notify(3);
-    });
-    library.join();
-    // The routine has returned, and nothing has happened behind the owner's back.
-    QVERIFY(emittedOn == nullptr);
-    QVERIFY(link.isOpen());
-    // That it is back by now does not bring the link to life.
-    QTRY_VERIFY(!link.isOpen());
-    QCOMPARE(emittedOn, QThread::currentThread());
+        class_ch341 link;
+        link.scan();
+        QVERIFY(link.open(1002));
+        QThread *emittedOn = nullptr;
+        connect(
+            &link, &class_ch341::si_updateList, &link, [&] { emittedOn = QThread::currentThread(); },
+            Qt::DirectConnection);
+        std::thread library([] {
+            vendor().setCh341Ids({});
+            vendor().notify(0);
+            vendor().setCh341Ids({1002});
+            vendor().notify(3);
+        });
+        library.join();
+        // The routine has returned, and nothing has happened behind the owner's back.
+        QVERIFY(emittedOn == nullptr);
+        QVERIFY(link.isOpen());
+        // That it is back by now does not bring the link to life.
+        QTRY_VERIFY(!link.isOpen());
+        QCOMPARE(emittedOn, QThread::currentThread());
 
-    // An open one is not taken to an index that is another one's, or nobody's, by now.
-    QVERIFY(link.open(1002));
-    std::thread hurried([] {
+        // An open one is not taken to an index that is another one's, or nobody's, by now.
+        QVERIFY(link.open(1002));
+        std::thread hurried([] {
+            vendor().setCh341Ids({1001, 1002});
+            vendor().notify(3);
+            vendor().setCh341Ids({1002});
+            vendor().notify(0);
+        });
+        hurried.join();
+        vendor().takeCalls();
+        QCoreApplication::processEvents();
+        QCOMPARE(vendor().takeCalls(), QString());
+        QVERIFY(link.isOpen());
+    }
+
+    void transfersMeetRemovals()
+    {
+        LogCapture log; // keeps thousands of lines out of the report
+        class_ch341 link;
+        QSignalSpy connected(&link, &class_ch341::si_connected);
+        QSignalSpy disconnected(&link, &class_ch341::si_disconnected);
+        const HotplugThread library;
+        uint8_t frame[189];
+        while (!library.isDone()) {
+            if (!link.isOpen())
+                link.open(1002);
+            link.read(0x61, frame, sizeof frame);
+            link.write(0x61, frame, 11);
+            QCoreApplication::processEvents();
+            QVERIFY(connected.size() - disconnected.size() == (link.isOpen() ? 1 : 0));
+        }
+        QVERIFY(!connected.isEmpty());
+
         vendor().setCh341Ids({1001, 1002});
         vendor().notify(3);
-        vendor().setCh341Ids({1002});
-        vendor().notify(0);
-    });
-    hurried.join();
-    vendor().takeCalls();
-    QCoreApplication::processEvents();
-    QCOMPARE(vendor().takeCalls(), QString());
-    QVERIFY(link.isOpen());
-}
-
-void tst_hotplug::transfersMeetRemovals()
-{
-    LogCapture log; // keeps thousands of lines out of the report
-    class_ch341 link;
-    QSignalSpy connected(&link, &class_ch341::si_connected);
-    QSignalSpy disconnected(&link, &class_ch341::si_disconnected);
-    const HotplugThread library;
-    uint8_t frame[189];
-    while (!library.isDone()) {
-        if (!link.isOpen())
-            link.open(1002);
-        link.read(0x61, frame, sizeof frame);
-        link.write(0x61, frame, 11);
-        QCoreApplication::processEvents();
-        QVERIFY(connected.size() - disconnected.size() == (link.isOpen() ? 1 : 0));
+        QVERIFY(link.isOpen() || link.open(1002));
+        vendor().takeCalls();
+        QCOMPARE(link.read(0x61, frame, 1), uint16_t{1});
+        QCOMPARE(vendor().takeCalls(), QLatin1String("read 1 63x1 AA7481C34F4FC07500"));
     }
-    QVERIFY(!connected.isEmpty());
 
-    vendor().setCh341Ids({1001, 1002});
-    vendor().notify(3);
-    QVERIFY(link.isOpen() || link.open(1002));
-    vendor().takeCalls();
-    QCOMPARE(link.read(0x61, frame, 1), uint16_t{1});
-    QCOMPARE(vendor().takeCalls(), QLatin1String("read 1 63x1 AA7481C34F4FC07500"));
-}
-
-void tst_hotplug::instancesComeAndGo()
-{
-    LogCapture log;
-    const HotplugThread library;
-    int lives = 0;
-    while (!library.isDone()) {
-        std::unique_ptr<QThread> owner(QThread::create([] {
-            class_ch341 link;
-            for (int i = 0; i < 5; ++i)
-                QCoreApplication::sendPostedEvents(&link);
-        }));
-        owner->start();
-        QVERIFY(owner->wait(20000));
-        ++lives;
+    void instancesComeAndGo()
+    {
+        LogCapture log;
+        const HotplugThread library;
+        int lives = 0;
+        while (!library.isDone()) {
+            std::unique_ptr<QThread> owner(QThread::create([] {
+                class_ch341 link;
+                for (int i = 0; i < 5; ++i)
+                    QCoreApplication::sendPostedEvents(&link);
+            }));
+            owner->start();
+            QVERIFY(owner->wait(20000));
+            ++lives;
+        }
+        QVERIFY(lives > 0);
     }
-    QVERIFY(lives > 0);
-}
 
-void tst_hotplug::ch347Routine()
-{
-    LogCapture log;
-    class_ch347 link;
-    QSignalSpy lists(&link, &class_ch347::si_updateList);
-    const HotplugThread library(&class_ch347::CH347_NOTIFY_ROUTINE);
-    QTRY_VERIFY(lists.size() >= 3);
-}
+    void ch347Routine()
+    {
+        LogCapture log;
+        class_ch347 link;
+        QSignalSpy lists(&link, &class_ch347::si_updateList);
+        const HotplugThread library(&class_ch347::CH347_NOTIFY_ROUTINE);
+        QTRY_VERIFY(lists.size() >= 3);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_hotplug)
 #include "tst_hotplug.moc"

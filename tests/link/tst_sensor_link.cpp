@@ -26,113 +26,109 @@ class tst_sensor_link : public QObject
 
 private Q_SLOTS:
     void init() { vendor().reset(); }
-    void bridges_data();
-    void bridges();
-    void unwantedLists();
-    void serialLine();
-};
 
-void tst_sensor_link::bridges_data()
-{
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArrayList>("calls"); // open, usual bus, bus at 400 kHz, reset, write, read
-    QTest::newRow("ch341") << 1 << QByteArray("usb#PID_5512#1&a&b&2")
-                           << QByteArrayList{"open 0|reset 0|flush 0",
-                                             "speed 0 1",
-                                             "speed 0 2",
-                                             kCh341Reset,
-                                             "write 0 AA7481A04F4F4F82AA557500",
-                                             "read 0 63x1 AA7481A14F4F4FC1C07500"};
-    QTest::newRow("ch347") << 2 << QByteArray("usb#x&3EA")
-                           << QByteArrayList{"open 0",
-                                             "speed 0 1|driver 0 1|stretch 0 1",
-                                             "speed 0 2|stretch 0 1",
-                                             "gpio 0 01 01 00|gpio 0 01 01 01|i2c 0 E000 +0",
-                                             "i2c 0 A0AA55 +0",
-                                             "i2c 0 A1 +2"};
-}
-
-void tst_sensor_link::bridges()
-{
-    QFETCH(int, kind);
-    QFETCH(QByteArray, text);
-    QFETCH(QByteArrayList, calls);
-    vendor().setDevices({{0, text.toStdString()}});
-    vendor().pins = 0x0000F5A5;
-    auto link = std::make_unique<SensorLink>(static_cast<SensorLink::Kind>(kind));
-    QCOMPARE(link->name(), QTest::currentDataTag());
-    QVERIFY(link->isBridge() && link->port() == nullptr);
-    QSignalSpy opened(link.get(), &SensorLink::opened);
-    QSignalSpy closed(link.get(), &SensorLink::closed);
-    QSignalSpy lists(link.get(), &SensorLink::devicesListed);
-    link->scan();
-    QCOMPARE(lists[0][0].toStringList(), QStringList(QStringLiteral("1002")));
-    vendor().takeCalls();
-
-    QByteArrayList made;
-    QByteArray buffer(3, '\x55');
-    auto *bytes = reinterpret_cast<uint8_t *>(buffer.data());
-    QCOMPARE(link->write(0x50, "\xAA") + link->read(0x50, bytes, 2), 0);
-    QVERIFY(link->open(QStringLiteral("1002")) && link->isOpen());
-    made << vendor().takeCalls().toLatin1();
-    link->setUpSensorBus();
-    made << vendor().takeCalls().toLatin1();
-    link->setUpBusAtSpeed(BusSpeed::Khz400);
-    made << vendor().takeCalls().toLatin1();
-    link->pcaReset();
-    made << vendor().takeCalls().toLatin1();
-    QCOMPARE(link->write(0x50, "\xAA\x55"), 2);
-    made << vendor().takeCalls().toLatin1();
-    QCOMPARE(link->read(0x50, bytes, 2), 2);
-    made << vendor().takeCalls().toLatin1();
-    QCOMPARE(made, calls);
-    QCOMPARE(buffer, QByteArray("\x00\x01\x55", 3));
-
-    link->close();
-    QVERIFY(!link->isOpen());
-    QVERIFY(link->open(QStringLiteral("1002")));
-    vendor().takeCalls();
-    // Its end closes the device, of which nobody hears.
-    link.reset();
-    QCOMPARE(vendor().takeCalls(), QLatin1String("close 0|notify off 0"));
-    QCOMPARE(opened.size(), 2);
-    QCOMPARE(closed.size(), 1);
-}
-
-void tst_sensor_link::unwantedLists()
-{
-    for (const auto kind : {SensorLink::Kind::Ch341, SensorLink::Kind::Ch347}) {
-        bool wanted = false;
-        SensorLink link(kind, nullptr, [&wanted] { return wanted; });
-        QSignalSpy lists(&link, &SensorLink::devicesListed);
-        link.scan();
-        QCOMPARE(lists.size(), 0);
-        wanted = true;
-        link.scan();
-        QCOMPARE(lists.size(), 1);
+    void bridges_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<QByteArrayList>("calls"); // open, usual bus, bus at 400 kHz, reset, write, read
+        QTest::newRow("ch341") << 1 << QByteArray("usb#PID_5512#1&a&b&2")
+                               << QByteArrayList{"open 0|reset 0|flush 0",
+                                                 "speed 0 1",
+                                                 "speed 0 2",
+                                                 kCh341Reset,
+                                                 "write 0 AA7481A04F4F4F82AA557500",
+                                                 "read 0 63x1 AA7481A14F4F4FC1C07500"};
+        QTest::newRow("ch347") << 2 << QByteArray("usb#x&3EA")
+                               << QByteArrayList{"open 0",
+                                                 "speed 0 1|driver 0 1|stretch 0 1",
+                                                 "speed 0 2|stretch 0 1",
+                                                 "gpio 0 01 01 00|gpio 0 01 01 01|i2c 0 E000 +0",
+                                                 "i2c 0 A0AA55 +0",
+                                                 "i2c 0 A1 +2"};
     }
-}
 
-void tst_sensor_link::serialLine()
-{
-    SensorLink link(SensorLink::Kind::Serial);
-    QCOMPARE(link.name(), "uart");
-    QVERIFY(!link.isBridge() && link.port() != nullptr);
-    QSignalSpy closed(&link, &SensorLink::closed);
-    QVERIFY(!link.open(QStringLiteral("no such port")));
-    uint8_t byte = 0;
-    QByteArray received;
-    QCOMPARE(link.write(0x50, "\xAA") + link.read(0x50, &byte, 1) + link.takeReceived(received), 0);
-    link.setUpSensorBus();
-    link.setUpBusAtSpeed(BusSpeed::Khz400);
-    link.pcaReset();
-    link.keepNoticed();
-    QCOMPARE(vendor().takeCalls(), QString());
-    const int closedBefore = closed.size();
-    link.close();
-    QCOMPARE(closed.size(), closedBefore + 1);
-}
+    void bridges()
+    {
+        QFETCH(int, kind);
+        QFETCH(QByteArray, text);
+        QFETCH(QByteArrayList, calls);
+        vendor().setDevices({{0, text.toStdString()}});
+        vendor().pins = 0x0000F5A5;
+        auto link = std::make_unique<SensorLink>(static_cast<SensorLink::Kind>(kind));
+        QCOMPARE(link->name(), QTest::currentDataTag());
+        QVERIFY(link->isBridge() && link->port() == nullptr);
+        QSignalSpy opened(link.get(), &SensorLink::opened);
+        QSignalSpy closed(link.get(), &SensorLink::closed);
+        QSignalSpy lists(link.get(), &SensorLink::devicesListed);
+        link->scan();
+        QCOMPARE(lists[0][0].toStringList(), QStringList(QStringLiteral("1002")));
+        vendor().takeCalls();
+
+        QByteArrayList made;
+        QByteArray buffer(3, '\x55');
+        auto *bytes = reinterpret_cast<uint8_t *>(buffer.data());
+        QCOMPARE(link->write(0x50, "\xAA") + link->read(0x50, bytes, 2), 0);
+        QVERIFY(link->open(QStringLiteral("1002")) && link->isOpen());
+        made << vendor().takeCalls().toLatin1();
+        link->setUpSensorBus();
+        made << vendor().takeCalls().toLatin1();
+        link->setUpBusAtSpeed(BusSpeed::Khz400);
+        made << vendor().takeCalls().toLatin1();
+        link->pcaReset();
+        made << vendor().takeCalls().toLatin1();
+        QCOMPARE(link->write(0x50, "\xAA\x55"), 2);
+        made << vendor().takeCalls().toLatin1();
+        QCOMPARE(link->read(0x50, bytes, 2), 2);
+        made << vendor().takeCalls().toLatin1();
+        QCOMPARE(made, calls);
+        QCOMPARE(buffer, QByteArray("\x00\x01\x55", 3));
+
+        link->close();
+        QVERIFY(!link->isOpen());
+        QVERIFY(link->open(QStringLiteral("1002")));
+        vendor().takeCalls();
+        // Its end closes the device, of which nobody hears.
+        link.reset();
+        QCOMPARE(vendor().takeCalls(), QLatin1String("close 0|notify off 0"));
+        QCOMPARE(opened.size(), 2);
+        QCOMPARE(closed.size(), 1);
+    }
+
+    void unwantedLists()
+    {
+        for (const auto kind : {SensorLink::Kind::Ch341, SensorLink::Kind::Ch347}) {
+            bool wanted = false;
+            SensorLink link(kind, nullptr, [&wanted] { return wanted; });
+            QSignalSpy lists(&link, &SensorLink::devicesListed);
+            link.scan();
+            QCOMPARE(lists.size(), 0);
+            wanted = true;
+            link.scan();
+            QCOMPARE(lists.size(), 1);
+        }
+    }
+
+    void serialLine()
+    {
+        SensorLink link(SensorLink::Kind::Serial);
+        QCOMPARE(link.name(), "uart");
+        QVERIFY(!link.isBridge() && link.port() != nullptr);
+        QSignalSpy closed(&link, &SensorLink::closed);
+        QVERIFY(!link.open(QStringLiteral("no such port")));
+        uint8_t byte = 0;
+        QByteArray received;
+        QCOMPARE(link.write(0x50, "\xAA") + link.read(0x50, &byte, 1) + link.takeReceived(received), 0);
+        link.setUpSensorBus();
+        link.setUpBusAtSpeed(BusSpeed::Khz400);
+        link.pcaReset();
+        link.keepNoticed();
+        QCOMPARE(vendor().takeCalls(), QString());
+        const int closedBefore = closed.size();
+        link.close();
+        QCOMPARE(closed.size(), closedBefore + 1);
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_sensor_link)
 #include "tst_sensor_link.moc"

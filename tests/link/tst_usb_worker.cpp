@@ -55,54 +55,51 @@ public:
     {}
 
 private Q_SLOTS:
-    void ch341();
-    void ch347();
+    void ch341()
+    {
+        SimulatedBus sensors;
+        plugSensors(sensors.sim);
+        FakeCh341Chip chip;
+        chip.bus = &sensors;
+        FakeUsbDevice device(m_bus, "1-1", 12, chip);
+        FakeUsbDevice deviceAgain(m_bus, "1-1", 14, chip);
+        device.plug();
+        WorkerHarness worker(kCh341);
+        QVERIFY(worker.connectTo(QStringLiteral("1001")));
+        waitForSamples(worker);
+
+        // Pulled out while streaming: everything goes, and comes back after plugging in and connecting.
+        worker.events.clear();
+        // That another is in its port at once does not keep it.
+        device.unplug();
+        deviceAgain.plug();
+        QVERIFY(worker.waitForEvent(QStringLiteral("down")));
+        QCOMPARE(worker.events, (QStringList{QStringLiteral("gone 0/0x61"), QStringLiteral("gone 1/0x61"),
+                                             QStringLiteral("down")}));
+        QVERIFY(worker.connectTo(QStringLiteral("1001")));
+        QVERIFY(worker.waitForEvent(QStringLiteral("found 0/0x61")));
+        QVERIFY(worker.waitForEvent(QStringLiteral("found 1/0x61")));
+        worker.stop();
+    }
+
+    void ch347()
+    {
+        SimulatedBus sensors;
+        plugSensors(sensors.sim);
+        FakeCh347Chip chip;
+        chip.bus = &sensors;
+        FakeUsbDevice device(m_bus, "1-3", 13, chip);
+        device.plug();
+        WorkerHarness worker(kCh347);
+        QVERIFY(worker.connectTo(QStringLiteral("1003")));
+        waitForSamples(worker);
+        worker.stop();
+        QCOMPARE(device.claimedInterface, -1);
+    }
 
 private:
     FakeUsbBus &m_bus;
 };
-
-void tst_usb_worker::ch341()
-{
-    SimulatedBus sensors;
-    plugSensors(sensors.sim);
-    FakeCh341Chip chip;
-    chip.bus = &sensors;
-    FakeUsbDevice device(m_bus, "1-1", 12, chip);
-    FakeUsbDevice deviceAgain(m_bus, "1-1", 14, chip);
-    device.plug();
-    WorkerHarness worker(kCh341);
-    QVERIFY(worker.connectTo(QStringLiteral("1001")));
-    waitForSamples(worker);
-
-    // Pulled out while streaming: everything goes, and comes back after plugging in and connecting.
-    worker.events.clear();
-    // That another is in its port at once does not keep it.
-    device.unplug();
-    deviceAgain.plug();
-    QVERIFY(worker.waitForEvent(QStringLiteral("down")));
-    QCOMPARE(worker.events, (QStringList{QStringLiteral("gone 0/0x61"), QStringLiteral("gone 1/0x61"),
-                                         QStringLiteral("down")}));
-    QVERIFY(worker.connectTo(QStringLiteral("1001")));
-    QVERIFY(worker.waitForEvent(QStringLiteral("found 0/0x61")));
-    QVERIFY(worker.waitForEvent(QStringLiteral("found 1/0x61")));
-    worker.stop();
-}
-
-void tst_usb_worker::ch347()
-{
-    SimulatedBus sensors;
-    plugSensors(sensors.sim);
-    FakeCh347Chip chip;
-    chip.bus = &sensors;
-    FakeUsbDevice device(m_bus, "1-3", 13, chip);
-    device.plug();
-    WorkerHarness worker(kCh347);
-    QVERIFY(worker.connectTo(QStringLiteral("1003")));
-    waitForSamples(worker);
-    worker.stop();
-    QCOMPARE(device.claimedInterface, -1);
-}
 
 int main(int argc, char **argv)
 {

@@ -56,124 +56,111 @@ class tst_sim_bridges : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init()
+    {
+        m_usb = std::make_unique<SimUsb>();
+        m_bus = std::make_shared<SimI2cBus>();
+        m_ch341 = std::make_shared<SimCh341>(m_bus, 5, 2);
+        m_usb->plug(m_ch341);
+        QVERIFY(!isInvalidHandle(CH341OpenDevice(0)));
+    }
 
-    void longReadInChunks();
-    void absentTarget();
-    void multiplexerSelects();
-    void malformedPackets();
-    void busTakesItsTime();
-    void notificationPromise();
+    void cleanup() { m_usb.reset(); }
+
+    void longReadInChunks()
+    {
+        const auto sensor = quietSensor(0x2B, 0x10);
+        m_bus->plug(sensor);
+        QByteArray frame = read341(hex("AA7481214F4FDE00"));
+        QCOMPARE(frame.size(), 30);
+        for (int chunk = 0; chunk < 5; ++chunk)
+            frame += read341(hex("AADE00"));
+        frame += read341(hex("AAC8C07500"));
+        QCOMPARE(frame.toHex(), sensor->sampleFrame().toHex());
+        QCOMPARE(m_bus->journal().count(SimRecord::Kind::Read, frame), 1);
+        QCOMPARE(m_ch341->malformedPackets(), 0);
+    }
+
+    void absentTarget()
+    {
+        QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("ffff"));
+        QCOMPARE(read341(hex("AA7480207500")).toHex(), QByteArrayLiteral("ef"));
+        QCOMPARE(read341(hex("AA7480E07500")).toHex(), QByteArrayLiteral("6f"));
+        QCOMPARE(m_bus->journal().count(SimRecord::Kind::Refused), 2);
+    }
+
+    void multiplexerSelects()
+    {
+        const auto first = quietSensor(0x1F, 0x10);
+        const auto second = quietSensor(0x02, 0x10);
+        m_bus->plug(first, 4);
+        m_bus->plug(second, 5);
+        QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("ff"));
+        QVERIFY(write341(hex("AA7481E04F4F81107500")));
+        QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("10"));
+        QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), first->sampleFrame().toHex());
+        QCOMPARE(m_bus->journal().records(SimRecord::Kind::Read).back().channels, uint8_t(0x10));
+        QVERIFY(write341(hex("AA7481E081207500")));
+        QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), second->sampleFrame().left(27).toHex());
+        QVERIFY(write341(hex("AA7481E081307500")));
+        QCOMPARE(read341(hex("AA748121C5C07500")).toHex(),
+                 QByteArrayLiteral("55aa10850000")); // both pull: 0C and 20
+    }
+
+    void malformedPackets()
+    {
+        for (const char *packet : {"7481E17500", "AA7481", "AA747576"})
+            QVERIFY(write341(hex(packet)));
+        QCOMPARE(m_ch341->malformedPackets(), 3);
+        QVERIFY(read341(hex("AA7481E1C1E0C07500")).size() <= 33); // more than a segment may read
+        QCOMPARE(m_ch341->malformedPackets(), 4);
+    }
+
+    void busTakesItsTime()
+    {
+        m_bus->plug(quietSensor(0x1F, 0x10));
+        m_bus->setTimed(true);
+        QVERIFY(CH341SetStream(0, 0) != 0);
+        const auto before = m_bus->busTime();
+        QElapsedTimer timer;
+        timer.start();
+        QCOMPARE(read341(hex("AA748121DAC07500")).size(), 27);
+        // 28 bytes of 9 bits, start and stop, at 20 kHz.
+        QCOMPARE((m_bus->busTime() - before).count(), 254LL * 50000);
+        QVERIFY(timer.nsecsElapsed() >= 254LL * 50000);
+        QCOMPARE(CH341SetStream(0, 4), 0U);
+    }
+
+    void notificationPromise()
+    {
+        arrivals = 0;
+        removals = 0;
+        forbiddenRuns = 0;
+        std::atomic<bool> stop{false};
+        std::thread plugger([&] {
+            while (!stop) {
+                m_usb->unplug(m_ch341);
+                m_usb->plug(m_ch341);
+            }
+        });
+        for (int i = 0; i < 500; ++i) {
+            routineAllowed = true;
+            CH341SetDeviceNotify(0, nullptr, countEvents);
+            if (i % 50 == 0)
+                QTRY_VERIFY(arrivals > i / 50 && removals > i / 50);
+            CH341SetDeviceNotify(0, nullptr, nullptr);
+            routineAllowed = false;
+        }
+        stop = true;
+        plugger.join();
+        QCOMPARE(forbiddenRuns.load(), 0);
+    }
 
 private:
     std::unique_ptr<SimUsb> m_usb;
     std::shared_ptr<SimI2cBus> m_bus;
     std::shared_ptr<SimCh341> m_ch341;
 };
-
-void tst_sim_bridges::init()
-{
-    m_usb = std::make_unique<SimUsb>();
-    m_bus = std::make_shared<SimI2cBus>();
-    m_ch341 = std::make_shared<SimCh341>(m_bus, 5, 2);
-    m_usb->plug(m_ch341);
-    QVERIFY(!isInvalidHandle(CH341OpenDevice(0)));
-}
-
-void tst_sim_bridges::cleanup()
-{
-    m_usb.reset();
-}
-
-void tst_sim_bridges::longReadInChunks()
-{
-    const auto sensor = quietSensor(0x2B, 0x10);
-    m_bus->plug(sensor);
-    QByteArray frame = read341(hex("AA7481214F4FDE00"));
-    QCOMPARE(frame.size(), 30);
-    for (int chunk = 0; chunk < 5; ++chunk)
-        frame += read341(hex("AADE00"));
-    frame += read341(hex("AAC8C07500"));
-    QCOMPARE(frame.toHex(), sensor->sampleFrame().toHex());
-    QCOMPARE(m_bus->journal().count(SimRecord::Kind::Read, frame), 1);
-    QCOMPARE(m_ch341->malformedPackets(), 0);
-}
-
-void tst_sim_bridges::absentTarget()
-{
-    QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("ffff"));
-    QCOMPARE(read341(hex("AA7480207500")).toHex(), QByteArrayLiteral("ef"));
-    QCOMPARE(read341(hex("AA7480E07500")).toHex(), QByteArrayLiteral("6f"));
-    QCOMPARE(m_bus->journal().count(SimRecord::Kind::Refused), 2);
-}
-
-void tst_sim_bridges::multiplexerSelects()
-{
-    const auto first = quietSensor(0x1F, 0x10);
-    const auto second = quietSensor(0x02, 0x10);
-    m_bus->plug(first, 4);
-    m_bus->plug(second, 5);
-    QCOMPARE(read341(hex("AA748121C07500")).toHex(), QByteArrayLiteral("ff"));
-    QVERIFY(write341(hex("AA7481E04F4F81107500")));
-    QCOMPARE(read341(hex("AA7481E1C07500")).toHex(), QByteArrayLiteral("10"));
-    QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), first->sampleFrame().toHex());
-    QCOMPARE(m_bus->journal().records(SimRecord::Kind::Read).back().channels, uint8_t(0x10));
-    QVERIFY(write341(hex("AA7481E081207500")));
-    QCOMPARE(read341(hex("AA748121DAC07500")).toHex(), second->sampleFrame().left(27).toHex());
-    QVERIFY(write341(hex("AA7481E081307500")));
-    QCOMPARE(read341(hex("AA748121C5C07500")).toHex(),
-             QByteArrayLiteral("55aa10850000")); // both pull: 0C and 20
-}
-
-void tst_sim_bridges::malformedPackets()
-{
-    for (const char *packet : {"7481E17500", "AA7481", "AA747576"})
-        QVERIFY(write341(hex(packet)));
-    QCOMPARE(m_ch341->malformedPackets(), 3);
-    QVERIFY(read341(hex("AA7481E1C1E0C07500")).size() <= 33); // more than a segment may read
-    QCOMPARE(m_ch341->malformedPackets(), 4);
-}
-
-void tst_sim_bridges::busTakesItsTime()
-{
-    m_bus->plug(quietSensor(0x1F, 0x10));
-    m_bus->setTimed(true);
-    QVERIFY(CH341SetStream(0, 0) != 0);
-    const auto before = m_bus->busTime();
-    QElapsedTimer timer;
-    timer.start();
-    QCOMPARE(read341(hex("AA748121DAC07500")).size(), 27);
-    // 28 bytes of 9 bits, start and stop, at 20 kHz.
-    QCOMPARE((m_bus->busTime() - before).count(), 254LL * 50000);
-    QVERIFY(timer.nsecsElapsed() >= 254LL * 50000);
-    QCOMPARE(CH341SetStream(0, 4), 0U);
-}
-
-void tst_sim_bridges::notificationPromise()
-{
-    arrivals = 0;
-    removals = 0;
-    forbiddenRuns = 0;
-    std::atomic<bool> stop{false};
-    std::thread plugger([&] {
-        while (!stop) {
-            m_usb->unplug(m_ch341);
-            m_usb->plug(m_ch341);
-        }
-    });
-    for (int i = 0; i < 500; ++i) {
-        routineAllowed = true;
-        CH341SetDeviceNotify(0, nullptr, countEvents);
-        if (i % 50 == 0)
-            QTRY_VERIFY(arrivals > i / 50 && removals > i / 50);
-        CH341SetDeviceNotify(0, nullptr, nullptr);
-        routineAllowed = false;
-    }
-    stop = true;
-    plugger.join();
-    QCOMPARE(forbiddenRuns.load(), 0);
-}
 
 QTEST_GUILESS_MAIN(tst_sim_bridges)
 #include "tst_sim_bridges.moc"

@@ -175,206 +175,203 @@ class TestViewFamily : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyNumberHasItsLayout();
+    void everyNumberHasItsLayout()
+    {
+        for (int number = 0; number < 256; ++number) {
+            const bool made = std::any_of(std::begin(kViewMakers), std::end(kViewMakers),
+                                          [number](const ViewMaker &each) { return each.number == number; });
+            QVERIFY2(made == (findViewLayout(static_cast<uint8_t>(number)) != nullptr),
+                     qPrintable(QString::number(number)));
+        }
+    }
+
     void everyProgramId_data() { addRows(true); }
-    void everyProgramId();
+
+    void everyProgramId()
+    {
+        QFETCH(int, id);
+        const LogCapture log;
+        const ViewProbe view = probe(id);
+        QVERIFY(view.boxesCame());
+        const Expected *expected = expectedView(id);
+        if (expected == nullptr) {
+            QVERIFY(view.finger == nullptr);
+            QCOMPARE(log.lines(), QStringList(QStringLiteral("not found finger:%1").arg(id)));
+            return;
+        }
+        QVERIFY(view.finger != nullptr);
+        const int number = viewNumber(id);
+        const QString name = QStringLiteral("fingerForm_%1").arg(number);
+        QCOMPARE(QString::fromLatin1(view.widget->metaObject()->className()), name);
+        QCOMPARE(log.count(name + (id == 2 ? QStringLiteral(" new:8") : QStringLiteral(" new"))), 1);
+        const bool hasRow = number != 102 && number != 111;
+        QCOMPARE(view.finger->info, hasRow ? findFingerInfoByPrg(static_cast<uint8_t>(number)) : nullptr);
+        QCOMPARE(view.finger->widget, hasRow ? view.widget.get() : nullptr);
+
+        QCOMPARE(countOf<ydds>(view, "label_"), expected->gauges);
+        QCOMPARE(countOf<ydds>(view, "lbPress_"), expected->discs);
+        QCOMPARE(countOf<QProgressBar>(view, "pbSProx_"), expected->sProxBars);
+        QCOMPARE(countOf<QProgressBar>(view, "pbMProx_"), expected->mProxBars);
+        for (const QProgressBar *bar : view.widget->findChildren<QProgressBar *>()) {
+            QCOMPARE(bar->minimum(), 0);
+            QCOMPARE(bar->maximum(), expected->barMaximum);
+        }
+        QCOMPARE(titles(view), QString::fromUtf8(expected->titles));
+        const auto *pages = view.widget->findChild<QTabWidget *>();
+        QCOMPARE(pages == nullptr, expected->titles[0] == '\0');
+        QVERIFY(pages == nullptr || pages->currentIndex() == 0);
+    }
+
     void pagesInEnglish_data() { addRows(false); }
-    void pagesInEnglish();
+
+    void pagesInEnglish()
+    {
+        QFETCH(int, id);
+        Q_INIT_RESOURCE(translations);
+        QTranslator english;
+        QVERIFY(english.load(QStringLiteral(":/en.qm")));
+        QCoreApplication::installTranslator(&english);
+        const auto back = qScopeGuard([&english] { QCoreApplication::removeTranslator(&english); });
+        const ViewProbe view = probe(id);
+        QCOMPARE(titles(view), QString::fromUtf8(expectedView(id)->englishTitles));
+        static const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
+        for (const QLabel *label : view.widget->findChildren<QLabel *>())
+            QVERIFY(!label->text().contains(chinese));
+    }
+
     void numbersAndShades_data() { addRows(false); }
-    void numbersAndShades();
+
+    void numbersAndShades()
+    {
+        QFETCH(int, id);
+        const Expected *expected = expectedView(id);
+        const ViewProbe view = probe(id);
+        for (unsigned char i = 0; i < 16; ++i) // one more than any view has
+            view.finger->setYdds(i, 5.0F, 1.234F, 77);
+        // A quarter of the scale: 54. View 18 is a static picture.
+        const QColor middling(255, expected->middleRed, expected->middleRed);
+        for (int i = 1; i <= expected->gauges; ++i)
+            QCOMPARE(view.gauge(i)->discBrush.color(), id == 18 ? QColor(Qt::white) : middling);
+        if (expected->gauges == 0 || id == 18)
+            return;
+        view.finger->setShowData(true);
+        view.finger->setYdds(0, 19.0F, 1.234F, 77); // 205.2
+        QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 0, 0));
+        QCOMPARE(view.gauge(1)->text(),
+                 expected->showsNumbers ? QStringLiteral("19.00\n1.23\n77") : QString());
+        view.finger->setShowData(false);
+        view.finger->setYdds(0, 20.5F, 1.234F, 77);
+        QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 9, 9));
+        QCOMPARE(view.gauge(1)->text(), QString());
+    }
+
     void arrows_data() { addRows(false); }
-    void arrows();
+
+    void arrows()
+    {
+        QFETCH(int, id);
+        const ViewProbe view = probe(id);
+        if (view.gauge(1) == nullptr || id == 18)
+            return;
+        const ExpectedArrow expected = kArrows.value(viewNumber(id));
+        const auto shown = [&view](float normal, float tangential, uint16_t direction) {
+            view.finger->setYdds(0, normal, tangential, direction);
+            return int(view.gauge(1)->direction);
+        };
+        const int turned = (359 + expected.rotation) % 360;
+        QCOMPARE(shown(0.01F, 0.0F, 359), expected.byNormal ? turned : 0xFFFF);
+        QCOMPARE(shown(0.0F, 0.01F, 359), expected.byNormal ? 0xFFFF : turned);
+        QCOMPARE(shown(0.01F, 0.01F, 0), expected.rotation);
+        for (const int direction : {360, 400})
+            QCOMPARE(shown(0.01F, 0.01F, static_cast<uint16_t>(direction)),
+                     expected.byNormal ? direction : 0xFFFF);
+    }
+
     void nothingOverlaps_data() { addRows(false); }
-    void nothingOverlaps();
-    void barsCutTheirValues();
-    void skeletonFollowsTheNormalForce();
-    void barsStandBesideOtherPages();
-    void parentThatDiesDuringABox();
+
+    void nothingOverlaps()
+    {
+        QFETCH(int, id);
+        const ViewProbe view = probe(id);
+        auto *pages = view.widget->findChild<QTabWidget *>();
+        showWideNumbers(view.finger);
+        // The font of a panel, and the room that it has for a view while the window has its first size.
+        // Gauges have style sheets and so fonts of their own: the narrow letters around them must not count.
+        QFont font = view.widget->font();
+        font.setPointSize(15);
+        font.setLetterSpacing(QFont::PercentageSpacing, 50);
+        view.widget->setFont(font);
+        QCOMPARE(view.widget->minimumSizeHint().boundedTo({499, 239}), view.widget->minimumSizeHint());
+        for (const QSize &size : {QSize(1, 1), QSize(333, 257), QSize(700, 300), QSize(300, 900)}) {
+            view.widget->resize(size.expandedTo(view.widget->minimumSizeHint()));
+            for (int page = 0; page < (pages != nullptr ? pages->count() : 1); ++page) {
+                if (pages != nullptr)
+                    pages->setCurrentIndex(page);
+                view.widget->grab(); // lays out as if it were shown
+            }
+            QMap<const QWidget *, QRegion> taken; // by page
+            for (const QWidget *one : view.widget->findChildren<QWidget *>()) {
+                if (qobject_cast<const ydds *>(one) == nullptr &&
+                    qobject_cast<const sensorForm *>(one) == nullptr)
+                    continue;
+                QVERIFY(one->height() >= 10);
+                QVERIFY2(one->parentWidget()->rect().contains(one->geometry()),
+                         qPrintable(one->objectName()));
+                QVERIFY2(!taken[one->parentWidget()].intersects(one->geometry()),
+                         qPrintable(one->objectName()));
+                taken[one->parentWidget()] += one->geometry();
+            }
+            for (const QLabel *label : view.widget->findChildren<QLabel *>()) {
+                if (qobject_cast<const ydds *>(label) != nullptr ||
+                    qobject_cast<const class_ydds *>(label) != nullptr)
+                    QVERIFY2(label->text().isEmpty() || textIsFree(*label), qPrintable(label->objectName()));
+            }
+        }
+    }
+
+    void barsCutTheirValues()
+    {
+        const ViewProbe view = probe(85);
+        view.finger->setSProx(0, 449999);
+        view.finger->setSProx(1, 0xFFFFFFFF);
+        view.finger->setSProx(2, 5);
+        view.finger->setMProx(0, 450001);
+        view.finger->setMProx(1, 5);
+        QCOMPARE(view.find<QProgressBar>("pbSProx_", 1)->value(), 449999);
+        QCOMPARE(view.find<QProgressBar>("pbSProx_", 2)->value(), 450000);
+        QCOMPARE(view.find<QProgressBar>("pbMProx_", 1)->value(), 450000);
+    }
+
+    void skeletonFollowsTheNormalForce()
+    {
+        fingerForm_null view(skeletonLayout());
+        const auto *gauge = view.findChild<ydds *>(QStringLiteral("label_1"));
+        view.setYdds(0, 5.0F, 0.0F, 359);
+        view.setYdds(1, 1.0F, 3.0F, 0);
+        QCOMPARE(gauge->direction, uint16_t(359));
+        QCOMPARE(gauge->discBrush.color(), QColor(255, 145, 145));
+        view.setYdds(0, 0.0F, 3.0F, 10);
+        QCOMPARE(gauge->direction, uint16_t(0xFFFF));
+    }
+
+    void barsStandBesideOtherPages()
+    {
+        ViewLayout layout = skeletonLayout();
+        layout.pages = kForcePage;
+        const fingerForm_null view(layout);
+        QVERIFY(view.findChild<QProgressBar *>(QStringLiteral("pbSProx_1")) != nullptr);
+    }
+
+    void parentThatDiesDuringABox()
+    {
+        BoxAnswer boxes;
+        boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
+        auto *panel = new QWidget;
+        boxes.whileOpen = [panel] { delete panel; };
+        QVERIFY(makeView(111, panel) == nullptr);
+        QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
+    }
 };
-
-void TestViewFamily::everyNumberHasItsLayout()
-{
-    for (int number = 0; number < 256; ++number) {
-        const bool made = std::any_of(std::begin(kViewMakers), std::end(kViewMakers),
-                                      [number](const ViewMaker &each) { return each.number == number; });
-        QVERIFY2(made == (findViewLayout(static_cast<uint8_t>(number)) != nullptr),
-                 qPrintable(QString::number(number)));
-    }
-}
-
-void TestViewFamily::everyProgramId()
-{
-    QFETCH(int, id);
-    const LogCapture log;
-    const ViewProbe view = probe(id);
-    QVERIFY(view.boxesCame());
-    const Expected *expected = expectedView(id);
-    if (expected == nullptr) {
-        QVERIFY(view.finger == nullptr);
-        QCOMPARE(log.lines(), QStringList(QStringLiteral("not found finger:%1").arg(id)));
-        return;
-    }
-    QVERIFY(view.finger != nullptr);
-    const int number = viewNumber(id);
-    const QString name = QStringLiteral("fingerForm_%1").arg(number);
-    QCOMPARE(QString::fromLatin1(view.widget->metaObject()->className()), name);
-    QCOMPARE(log.count(name + (id == 2 ? QStringLiteral(" new:8") : QStringLiteral(" new"))), 1);
-    const bool hasRow = number != 102 && number != 111;
-    QCOMPARE(view.finger->info, hasRow ? findFingerInfoByPrg(static_cast<uint8_t>(number)) : nullptr);
-    QCOMPARE(view.finger->widget, hasRow ? view.widget.get() : nullptr);
-
-    QCOMPARE(countOf<ydds>(view, "label_"), expected->gauges);
-    QCOMPARE(countOf<ydds>(view, "lbPress_"), expected->discs);
-    QCOMPARE(countOf<QProgressBar>(view, "pbSProx_"), expected->sProxBars);
-    QCOMPARE(countOf<QProgressBar>(view, "pbMProx_"), expected->mProxBars);
-    for (const QProgressBar *bar : view.widget->findChildren<QProgressBar *>()) {
-        QCOMPARE(bar->minimum(), 0);
-        QCOMPARE(bar->maximum(), expected->barMaximum);
-    }
-    QCOMPARE(titles(view), QString::fromUtf8(expected->titles));
-    const auto *pages = view.widget->findChild<QTabWidget *>();
-    QCOMPARE(pages == nullptr, expected->titles[0] == '\0');
-    QVERIFY(pages == nullptr || pages->currentIndex() == 0);
-}
-
-void TestViewFamily::pagesInEnglish()
-{
-    QFETCH(int, id);
-    Q_INIT_RESOURCE(translations);
-    QTranslator english;
-    QVERIFY(english.load(QStringLiteral(":/en.qm")));
-    QCoreApplication::installTranslator(&english);
-    const auto back = qScopeGuard([&english] { QCoreApplication::removeTranslator(&english); });
-    const ViewProbe view = probe(id);
-    QCOMPARE(titles(view), QString::fromUtf8(expectedView(id)->englishTitles));
-    static const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
-    for (const QLabel *label : view.widget->findChildren<QLabel *>())
-        QVERIFY(!label->text().contains(chinese));
-}
-
-void TestViewFamily::numbersAndShades()
-{
-    QFETCH(int, id);
-    const Expected *expected = expectedView(id);
-    const ViewProbe view = probe(id);
-    for (unsigned char i = 0; i < 16; ++i) // one more than any view has
-        view.finger->setYdds(i, 5.0F, 1.234F, 77);
-    // A quarter of the scale: 54. View 18 is a static picture.
-    const QColor middling(255, expected->middleRed, expected->middleRed);
-    for (int i = 1; i <= expected->gauges; ++i)
-        QCOMPARE(view.gauge(i)->discBrush.color(), id == 18 ? QColor(Qt::white) : middling);
-    if (expected->gauges == 0 || id == 18)
-        return;
-    view.finger->setShowData(true);
-    view.finger->setYdds(0, 19.0F, 1.234F, 77); // 205.2
-    QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 0, 0));
-    QCOMPARE(view.gauge(1)->text(), expected->showsNumbers ? QStringLiteral("19.00\n1.23\n77") : QString());
-    view.finger->setShowData(false);
-    view.finger->setYdds(0, 20.5F, 1.234F, 77);
-    QCOMPARE(view.gauge(1)->discBrush.color(), QColor(expected->deepRed, 9, 9));
-    QCOMPARE(view.gauge(1)->text(), QString());
-}
-
-void TestViewFamily::arrows()
-{
-    QFETCH(int, id);
-    const ViewProbe view = probe(id);
-    if (view.gauge(1) == nullptr || id == 18)
-        return;
-    const ExpectedArrow expected = kArrows.value(viewNumber(id));
-    const auto shown = [&view](float normal, float tangential, uint16_t direction) {
-        view.finger->setYdds(0, normal, tangential, direction);
-        return int(view.gauge(1)->direction);
-    };
-    const int turned = (359 + expected.rotation) % 360;
-    QCOMPARE(shown(0.01F, 0.0F, 359), expected.byNormal ? turned : 0xFFFF);
-    QCOMPARE(shown(0.0F, 0.01F, 359), expected.byNormal ? 0xFFFF : turned);
-    QCOMPARE(shown(0.01F, 0.01F, 0), expected.rotation);
-    for (const int direction : {360, 400})
-        QCOMPARE(shown(0.01F, 0.01F, static_cast<uint16_t>(direction)),
-                 expected.byNormal ? direction : 0xFFFF);
-}
-
-void TestViewFamily::nothingOverlaps()
-{
-    QFETCH(int, id);
-    const ViewProbe view = probe(id);
-    auto *pages = view.widget->findChild<QTabWidget *>();
-    showWideNumbers(view.finger);
-    // The font of a panel, and the room that it has for a view while the window has its first size.
-    // Gauges have style sheets and so fonts of their own: the narrow letters around them must not count.
-    QFont font = view.widget->font();
-    font.setPointSize(15);
-    font.setLetterSpacing(QFont::PercentageSpacing, 50);
-    view.widget->setFont(font);
-    QCOMPARE(view.widget->minimumSizeHint().boundedTo({499, 239}), view.widget->minimumSizeHint());
-    for (const QSize &size : {QSize(1, 1), QSize(333, 257), QSize(700, 300), QSize(300, 900)}) {
-        view.widget->resize(size.expandedTo(view.widget->minimumSizeHint()));
-        for (int page = 0; page < (pages != nullptr ? pages->count() : 1); ++page) {
-            if (pages != nullptr)
-                pages->setCurrentIndex(page);
-            view.widget->grab(); // lays out as if it were shown
-        }
-        QMap<const QWidget *, QRegion> taken; // by page
-        for (const QWidget *one : view.widget->findChildren<QWidget *>()) {
-            if (qobject_cast<const ydds *>(one) == nullptr &&
-                qobject_cast<const sensorForm *>(one) == nullptr)
-                continue;
-            QVERIFY(one->height() >= 10);
-            QVERIFY2(one->parentWidget()->rect().contains(one->geometry()), qPrintable(one->objectName()));
-            QVERIFY2(!taken[one->parentWidget()].intersects(one->geometry()), qPrintable(one->objectName()));
-            taken[one->parentWidget()] += one->geometry();
-        }
-        for (const QLabel *label : view.widget->findChildren<QLabel *>()) {
-            if (qobject_cast<const ydds *>(label) != nullptr ||
-                qobject_cast<const class_ydds *>(label) != nullptr)
-                QVERIFY2(label->text().isEmpty() || textIsFree(*label), qPrintable(label->objectName()));
-        }
-    }
-}
-
-void TestViewFamily::barsCutTheirValues()
-{
-    const ViewProbe view = probe(85);
-    view.finger->setSProx(0, 449999);
-    view.finger->setSProx(1, 0xFFFFFFFF);
-    view.finger->setSProx(2, 5);
-    view.finger->setMProx(0, 450001);
-    view.finger->setMProx(1, 5);
-    QCOMPARE(view.find<QProgressBar>("pbSProx_", 1)->value(), 449999);
-    QCOMPARE(view.find<QProgressBar>("pbSProx_", 2)->value(), 450000);
-    QCOMPARE(view.find<QProgressBar>("pbMProx_", 1)->value(), 450000);
-}
-
-void TestViewFamily::skeletonFollowsTheNormalForce()
-{
-    fingerForm_null view(skeletonLayout());
-    const auto *gauge = view.findChild<ydds *>(QStringLiteral("label_1"));
-    view.setYdds(0, 5.0F, 0.0F, 359);
-    view.setYdds(1, 1.0F, 3.0F, 0);
-    QCOMPARE(gauge->direction, uint16_t(359));
-    QCOMPARE(gauge->discBrush.color(), QColor(255, 145, 145));
-    view.setYdds(0, 0.0F, 3.0F, 10);
-    QCOMPARE(gauge->direction, uint16_t(0xFFFF));
-}
-
-void TestViewFamily::barsStandBesideOtherPages()
-{
-    ViewLayout layout = skeletonLayout();
-    layout.pages = kForcePage;
-    const fingerForm_null view(layout);
-    QVERIFY(view.findChild<QProgressBar *>(QStringLiteral("pbSProx_1")) != nullptr);
-}
-
-void TestViewFamily::parentThatDiesDuringABox()
-{
-    BoxAnswer boxes;
-    boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
-    auto *panel = new QWidget;
-    boxes.whileOpen = [panel] { delete panel; };
-    QVERIFY(makeView(111, panel) == nullptr);
-    QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
-}
 
 QTEST_MAIN(TestViewFamily)
 #include "tst_view_family.moc"
