@@ -84,8 +84,8 @@ void Tour::visit(const TourStop &stop)
     disconnectLink();
 }
 
-// A sensor that answers too late on a busy machine comes up again only after a whole sweep, which takes minutes on a serial
-// line. A new worker begins its sweep afresh.
+// A sensor that answers too late on a busy machine comes up again only after a whole sweep, which takes
+// minutes on a serial line. A new worker begins its sweep afresh.
 bool Tour::findSensors(const TourStop &stop)
 {
     const auto allFound = [this, &stop] { return sensorsInTree() >= stop.sensorCount; };

@@ -18,9 +18,9 @@ struct TourStop
     int sensorCount;       ///< sensors that must be found
 };
 
-/// Drives the main window as a user would, without a display: connects every interface, waits for its sensors, walks over
-/// panels, pages and tabs, writes a picture of each and prints what was found. Lives in the GUI thread and ends the
-/// application with status 0, or with 1 after saying what failed.
+/// Drives the main window as a user would, without a display: connects every interface, waits for its
+/// sensors, walks over panels, pages and tabs, writes a picture of each and prints what was found. Lives in
+/// the GUI thread and ends the application with status 0, or with 1 after saying what failed.
 class Tour : public QObject
 {
     Q_OBJECT
@@ -57,7 +57,8 @@ private:
     void showTab(const QWidget *form);
     bool treeShows(const QString &text) const;
     void picture(QWidget *widget, const QString &name);
-    /// Keeps the event loop running until the condition holds. Notes a failure when it does not within the time.
+    /// Keeps the event loop running until the condition holds. Notes a failure when it does not within the
+    /// time.
     bool waitUntil(const QString &what, int timeoutMs, const std::function<bool()> &condition);
     /// The same, without noting anything.
     bool holdsWithin(int timeoutMs, const std::function<bool()> &condition);

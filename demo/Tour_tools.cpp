@@ -1,4 +1,5 @@
-// The address and debug tabs on the tour: a sensor moves to another address and back, a multiplexer is scanned by hand.
+// The address and debug tabs on the tour: a sensor moves to another address and back, a multiplexer is
+// scanned by hand.
 
 #include "demo/Tour.h"
 

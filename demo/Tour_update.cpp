@@ -14,7 +14,8 @@ namespace {
 
 constexpr int listTimeoutMs = 5000;
 constexpr int updateTimeoutMs = 60000;
-// On the bench this is the first board or the middle baud rate, and a sensor that is there on every interface.
+// On the bench this is the first board or the middle baud rate, and a sensor that is there on every
+// interface.
 constexpr int interfaceRow = 1;
 constexpr int sensorAddress = 0x61;
 constexpr int plainImage = 1;

@@ -103,7 +103,8 @@ Outcome CommandQueue::wrCmdSensor(uint8_t infIdx)
     return outcome;
 }
 
-/// Asked before the first attempt only: retries go out on whatever bus has its turn. Drops a command whose sensor has gone.
+/// Asked before the first attempt only: retries go out on whatever bus has its turn. Drops a command whose
+/// sensor has gone.
 bool CommandQueue::isTurnOf(const cmd_ts &command, uint8_t infIdx)
 {
     if (command.infIdx != infIdx)

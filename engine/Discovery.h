@@ -14,7 +14,8 @@ class Discovery : public QObject
 public:
     Discovery(SensorBus &bus, QVector<info_ts> &entries, QObject *parent = nullptr);
 
-    /// One step of the sweep of an entry, whose channel is selected. Emits found() before the entry's position moves on.
+    /// One step of the sweep of an entry, whose channel is selected. Emits found() before the entry's
+    /// position moves on.
     Outcome scanSensor(uint8_t infIdx);
 
     /// Tells all sensors to start a conversion.

@@ -74,8 +74,8 @@ void Sampling::takeSample(sensor_ts &sensor)
     Q_EMIT sampled(sensor.infIdx, sensor.addr, sensor.pack);
 }
 
-/// Done when a frame stands in `sensor.pack`, which holds zeros otherwise. When it is void the sensor is no more and was not
-/// touched.
+/// Done when a frame stands in `sensor.pack`, which holds zeros otherwise. When it is void the sensor is no
+/// more and was not touched.
 Outcome Sampling::getSensorData(sensor_ts &sensor)
 {
     sensor.pack.fill(0);
@@ -98,7 +98,8 @@ Outcome Sampling::fetchFromPort(uint8_t addr, QVector<uint8_t> &pack)
     const auto [outcome, pass] = m_bus.collect(m_received, length, kSamplePasses);
     if (outcome == Outcome::Void)
         return Outcome::Void;
-    // A frame is as good as its low eight bits of length say, and one that is whole only in the last pass is late.
+    // A frame is as good as its low eight bits of length say, and one that is whole only in the last pass is
+    // late.
     const int found = getSensorPackLen(frameBytes(m_received), m_received.size()) & 0xFF;
     if (pass == kSamplePasses || found != length) {
         qDebug("err");

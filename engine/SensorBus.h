@@ -20,8 +20,8 @@ struct Waits
 /// Those of the calling thread.
 Waits realWaits();
 
-/// What the steps of the worker share: the link, the choice of a multiplexer channel, the waits for bytes, and the news
-/// that the tick they belong to is void. Used in the thread of the link.
+/// What the steps of the worker share: the link, the choice of a multiplexer channel, the waits for bytes,
+/// and the news that the tick they belong to is void. Used in the thread of the link.
 class SensorBus
 {
 public:
@@ -47,7 +47,8 @@ public:
     int read(uint8_t address, uint8_t *buffer, int length);
     /// The two bytes that make a sensor on a serial line send a sample.
     void poll(uint8_t address);
-    /// Waits on a serial line until `received` holds enough bytes from the first sync byte on. Delivers events meanwhile.
+    /// Waits on a serial line until `received` holds enough bytes from the first sync byte on. Delivers
+    /// events meanwhile.
     Collected collect(QByteArray &received, int enough, int passes,
                       SleepOrder order = SleepOrder::BeforeTaking);
     void sleep(std::chrono::milliseconds duration) const { m_waits.sleep(duration); }

@@ -110,7 +110,8 @@ void fingerThread::uartInit()
 {
     makeLink();
     qDebug("uart init");
-    // Only the serial interface has one bus and no turns; an earlier worker may have stopped in the middle of its own.
+    // Only the serial interface has one bus and no turns; an earlier worker may have stopped in the middle of
+    // its own.
     curInf = 0;
     m_work->link.scan();
 }
@@ -285,8 +286,8 @@ void fingerThread::timerStop(int tag)
 
 void fingerThread::guardedTick()
 {
-    // A link that is closed and opened again while a tick pumps events has started the timer anew, and a timer started
-    // anew does fire inside its own handler.
+    // A link that is closed and opened again while a tick pumps events has started the timer anew, and a
+    // timer started anew does fire inside its own handler.
     if (m_inTick)
         return;
     const QScopedValueRollback<bool> inTick(m_inTick, true);

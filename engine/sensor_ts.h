@@ -25,5 +25,6 @@ struct sensor_ts
 };
 Q_DECLARE_METATYPE(sensor_ts)
 
-/// Registers every type that travels in queued signals between the worker and its users. May be called more than once.
+/// Registers every type that travels in queued signals between the worker and its users. May be called more
+/// than once.
 void registerSensorTypes();

@@ -5,8 +5,8 @@
 
 class QCheckBox;
 
-/// The check boxes of the multiplexer's channels, and those of the adapter boards, which follow the channels they are wired
-/// to and lead them. The boxes belong to their form and outlive this.
+/// The check boxes of the multiplexer's channels, and those of the adapter boards, which follow the channels
+/// they are wired to and lead them. The boxes belong to their form and outlive this.
 class ChannelBoxes
 {
 public:

@@ -7,7 +7,8 @@
 
 class SensorLink;
 
-/// Talks to whatever sensor is plugged in, by the address that all of them obey. Blocks for the time of an exchange.
+/// Talks to whatever sensor is plugged in, by the address that all of them obey. Blocks for the time of an
+/// exchange.
 class GeneralCall
 {
 public:
@@ -21,8 +22,8 @@ public:
         : m_link(link)
     {}
 
-    /// Tells the sensor a new address if there is a target, then asks for the address it has. Nothing when nobody is
-    /// there, or when the link has been lost over it. Sums are not tested.
+    /// Tells the sensor a new address if there is a target, then asks for the address it has. Nothing when
+    /// nobody is there, or when the link has been lost over it. Sums are not tested.
     std::optional<Answer> ask(std::optional<uint8_t> target);
 
 private:

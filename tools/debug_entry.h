@@ -11,8 +11,8 @@
 /// What has been sent, to a device at `address`.
 QString writeEntry(uint8_t address, const QByteArray &bytes);
 
-/// What has been read, with the verdict on its sum: the last two bytes against the sum of all before them, low byte
-/// first. Fewer than two bytes have no sum to fit and count as a failure of sum 0.
+/// What has been read, with the verdict on its sum: the last two bytes against the sum of all before them,
+/// low byte first. Fewer than two bytes have no sum to fit and count as a failure of sum 0.
 QString readEntry(uint8_t address, const QByteArray &bytes);
 
 /// What is logged when a transfer is asked for and the link is not open.

@@ -10,8 +10,8 @@
 
 class Ui_sensorDebugForm;
 
-/// The tab for talking to a device by hand: any bytes to any address, any number of bytes back, all of it in a log.
-/// Between start() and stop() it owns a link of its own, which it uses from the user interface thread.
+/// The tab for talking to a device by hand: any bytes to any address, any number of bytes back, all of it in
+/// a log. Between start() and stop() it owns a link of its own, which it uses from the user interface thread.
 class sensorDebugForm : public QWidget
 {
     Q_OBJECT

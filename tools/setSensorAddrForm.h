@@ -12,8 +12,9 @@
 
 class Ui_setSensorAddrForm;
 
-/// The tab that gives a sensor a new bus address. It talks to the general address, so exactly one sensor may be plugged
-/// in. Between start() and stop() it owns a link of its own, which it polls from the user interface thread.
+/// The tab that gives a sensor a new bus address. It talks to the general address, so exactly one sensor may
+/// be plugged in. Between start() and stop() it owns a link of its own, which it polls from the user
+/// interface thread.
 class setSensorAddrForm : public QWidget
 {
     Q_OBJECT
@@ -22,7 +23,8 @@ public:
     explicit setSensorAddrForm(QWidget *parent = nullptr);
     ~setSensorAddrForm() override;
 
-    /// Called when the tab becomes the current one. Builds up the serial link whatever interface the box shows.
+    /// Called when the tab becomes the current one. Builds up the serial link whatever interface the box
+    /// shows.
     void start();
     /// Gives the hardware back; may be called on a tab that is stopped already.
     void stop();

@@ -7,8 +7,8 @@
 #include <QLabel>
 #include <QPainter>
 
-/// What both gauge classes do. `Gauge` is the class that derives from this one and holds the fields; its label text, if
-/// any, lies below the disc.
+/// What both gauge classes do. `Gauge` is the class that derives from this one and holds the fields; its
+/// label text, if any, lies below the disc.
 template<typename Gauge>
 class GaugeLabel : public QLabel
 {

@@ -35,8 +35,8 @@ struct FingerRows
     const finger_info_ts *end() const { return first + count; }
 };
 
-/// Decoder of sample frames and second base of every view. One catalogue row drives it; a view overrides the operations
-/// of the quantities that it shows. User interface thread only.
+/// Decoder of sample frames and second base of every view. One catalogue row drives it; a view overrides the
+/// operations of the quantities that it shows. User interface thread only.
 class class_finger
 {
 public:
@@ -48,21 +48,21 @@ public:
         QString direction;  ///< degrees, integer
     };
 
-    /// Audits the catalogue, then takes the first row of `prg`. A row that breaks a rule, or no row at all, is told in a
-    /// modal box, which runs the event loop: whoever builds a decoder must expect that its own world has changed
-    /// afterwards. With 0xFF the decoder is audited and left without a row.
+    /// Audits the catalogue, then takes the first row of `prg`. A row that breaks a rule, or no row at all,
+    /// is told in a modal box, which runs the event loop: whoever builds a decoder must expect that its own
+    /// world has changed afterwards. With 0xFF the decoder is audited and left without a row.
     class_finger(unsigned char prg, QWidget *view);
     class_finger(unsigned char prg, QWidget *view, const FingerRows &rows);
     virtual ~class_finger() = default;
     class_finger(const class_finger &) = delete;
     class_finger &operator=(const class_finger &) = delete;
 
-    /// One box for every rule that a row breaks, in table order. Returns the block length of the last row with a known
-    /// block format, 0 when there is none.
+    /// One box for every rule that a row breaks, in table order. Returns the block length of the last row
+    /// with a known block format, 0 when there is none.
     static unsigned char auditRows(const FingerRows &rows);
 
-    /// Decodes one frame: 0 accepted, 1 wrong length, 2 wrong header, command byte or sum, 3 no catalogue row. A frame
-    /// that is not accepted leaves lists and numbers as the last accepted one made them.
+    /// Decodes one frame: 0 accepted, 1 wrong length, 2 wrong header, command byte or sum, 3 no catalogue
+    /// row. A frame that is not accepted leaves lists and numbers as the last accepted one made them.
     unsigned char parseData(QByteArray data);
     /// The latest accepted frame; empty before the first.
     const Sample &sample() const { return m_sample; }
@@ -72,7 +72,8 @@ public:
     /// A channel's raw value. Its lowest bit is the touch flag, the whole is thousandths of a newton.
     virtual void setData(unsigned char, unsigned int) {}
     virtual void setTouchState(unsigned char, bool) {}
-    /// One three-dimensional force block: normal and tangential force in newtons, direction in degrees clockwise from up.
+    /// One three-dimensional force block: normal and tangential force in newtons, direction in degrees
+    /// clockwise from up.
     virtual void setYdds(unsigned char, float, float, unsigned short) {}
     virtual void setSProx(unsigned char, unsigned int) {}
     virtual void setMProx(unsigned char, unsigned int) {}

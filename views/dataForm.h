@@ -20,8 +20,8 @@ public:
 
     /// Text of the value label. A text that it shows already costs nothing.
     void setValue(const QString &text);
-    /// Red for a touched channel, black otherwise. A colour that was set already costs nothing; before the first call the
-    /// label is as its form has it, black on white in every desktop theme.
+    /// Red for a touched channel, black otherwise. A colour that was set already costs nothing; before the
+    /// first call the label is as its form has it, black on white in every desktop theme.
     void setTouched(bool touched);
 
 Q_SIGNALS:

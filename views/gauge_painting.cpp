@@ -61,7 +61,8 @@ QImage smallDisc(int radius, const QColor &colour, double pixelRatio)
     return disc;
 }
 
-/// True where the pixels of a kept image fall on those of the device. Between them it would stand beside the arrow.
+/// True where the pixels of a kept image fall on those of the device. Between them it would stand beside the
+/// arrow.
 bool fallsOnPixels(const QTransform &toDevice, QPoint corner)
 {
     const QPointF place = toDevice.map(QPointF(corner));

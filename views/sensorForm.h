@@ -16,8 +16,8 @@ class sensorForm : public QWidget
 public:
     explicit sensorForm(QWidget *parent = nullptr);
 
-    /// Makes rows x columns tiles. Called once in the life of a form: a second shape of as many tiles changes only the
-    /// numbers, one of another count leaves the old tiles where they are, below the new ones.
+    /// Makes rows x columns tiles. Called once in the life of a form: a second shape of as many tiles changes
+    /// only the numbers, one of another count leaves the old tiles where they are, below the new ones.
     void setRowColumnCount(unsigned char rowCount, unsigned char columnCount);
 
     uint8_t rows = 0;

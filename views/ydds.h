@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// Round gauge of one force point: a disc whose colour stands for the normal force, and an arrow for the tangential
-/// force. Views write the fields and call update(); the label text, if any, lies below the disc.
+/// Round gauge of one force point: a disc whose colour stands for the normal force, and an arrow for the
+/// tangential force. Views write the fields and call update(); the label text, if any, lies below the disc.
 class ydds : public GaugeLabel<ydds>
 {
     Q_OBJECT

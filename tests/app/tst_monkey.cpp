@@ -13,8 +13,9 @@
 #include <random>
 #include <thread>
 
-// A monkey at the whole tool: it presses, types, turns the wheel, plugs and pulls, as fast as the window follows. What it
-// does depends on MONKEY_SEED, which repeats a run, and on what the window shows. MONKEY_SECONDS says how long it lasts.
+// A monkey at the whole tool: it presses, types, turns the wheel, plugs and pulls, as fast as the window
+// follows. What it does depends on MONKEY_SEED, which repeats a run, and on what the window shows.
+// MONKEY_SECONDS says how long it lasts.
 
 namespace {
 
@@ -108,7 +109,8 @@ struct World
 
 World *world = nullptr;
 
-/// Acts on one window, through the queue of the window system, so that boxes and lists that are open have their say.
+/// Acts on one window, through the queue of the window system, so that boxes and lists that are open have
+/// their say.
 class Monkey : public QObject
 {
 public:
@@ -174,7 +176,8 @@ private:
             queue(m_window, [this](QWindow *) { seekSensors(); });
     }
 
-    /// Nothing would last if these were pressed as often as the rest; and the server is not what most can go wrong with.
+    /// Nothing would last if these were pressed as often as the rest; and the server is not what most can go
+    /// wrong with.
     bool isSpared(const QWidget *widget) const
     {
         static const QStringList names =

@@ -14,8 +14,8 @@
 
 #include <functional>
 
-// The process is run as the platform runs it, by qMain; what is to be looked at while it lives is hung on the application
-// object that qMain makes.
+// The process is run as the platform runs it, by qMain; what is to be looked at while it lives is hung on the
+// application object that qMain makes.
 
 namespace {
 

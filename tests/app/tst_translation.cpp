@@ -1,5 +1,5 @@
-// The English table against the whole tool: nothing in it that nobody asks for, nothing on the screen that it should have
-// translated.
+// The English table against the whole tool: nothing in it that nobody asks for, nothing on the screen that it
+// should have translated.
 
 #include "app/Widget.h"
 #include "engine/sensor_ts.h"
@@ -179,8 +179,8 @@ std::shared_ptr<QWidget> attachedPanel(int programId)
     return panel;
 }
 
-/// What the English tool has to show for a Chinese text: the row of the class itself before that of QObject. Behind a text
-/// that is a row a number may stand. Null when there is no such row.
+/// What the English tool has to show for a Chinese text: the row of the class itself before that of QObject.
+/// Behind a text that is a row a number may stand. Null when there is no such row.
 QString expectedText(const QTranslator &english, const ShownText &chinese)
 {
     static const QRegularExpression number(QStringLiteral("\\d*$"));

@@ -22,8 +22,8 @@
 
 Q_DECLARE_METATYPE(SensorLink::Kind)
 
-/// What the steps of the worker stand on, without a thread: a link to one simulated sensor, and waits that take no time.
-/// On the serial line the sensor hears and answers while the host sleeps.
+/// What the steps of the worker stand on, without a thread: a link to one simulated sensor, and waits that
+/// take no time. On the serial line the sensor hears and answers while the host sleeps.
 class StepRig
 {
 public:
@@ -43,7 +43,8 @@ public:
         Q_ASSERT(isOpen);
     }
 
-    /// What the host has sent, as hex, in order: polls and requests, or what was written to sensors' addresses.
+    /// What the host has sent, as hex, in order: polls and requests, or what was written to sensors'
+    /// addresses.
     QStringList sent() const
     {
         QStringList all = m_sent;

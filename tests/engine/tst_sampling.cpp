@@ -95,7 +95,8 @@ private Q_SLOTS:
         QElapsedTimer silence;
         silence.start();
         QVERIFY(rig.harness.waitForEvent(kGone));
-        // 3.2 s after its last frame, which may have come before this, and far from the time of any other rule.
+        // 3.2 s after its last frame, which may have come before this, and far from the time of any other
+        // rule.
         QVERIFY2(silence.elapsed() > 2500 && silence.elapsed() < 6000,
                  qPrintable(QString::number(silence.elapsed())));
         QVERIFY(!rig.harness.events.contains(QStringLiteral("gone 0/0x62")));

@@ -9,8 +9,8 @@
 #include <QThread>
 #include <QVector>
 
-/// A worker in a thread of its own, wired as the monitor window does it. Keeps what the worker reports, in the thread of
-/// the test. Stops at destruction at the latest.
+/// A worker in a thread of its own, wired as the monitor window does it. Keeps what the worker reports, in
+/// the thread of the test. Stops at destruction at the latest.
 class WorkerHarness : public QObject
 {
     Q_OBJECT
@@ -50,8 +50,8 @@ public:
     /// Ends the worker as the monitor does, or its thread first; then takes what it reported on its way out.
     void stop(bool quitFirst = false);
 
-    /// The usual time is enough for two sweeps over all addresses of a serial line: on a busy machine a sensor may miss its
-    /// first 10 ms.
+    /// The usual time is enough for two sweeps over all addresses of a serial line: on a busy machine a
+    /// sensor may miss its first 10 ms.
     bool waitForEvent(const QString &event);
     /// All events so far.
     QString story() const { return events.join(QLatin1String(", ")); }

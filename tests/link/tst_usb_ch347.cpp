@@ -62,8 +62,8 @@ private Q_SLOTS:
             QCOMPARE(hexOf(chip->transfers[0]), QByteArray("CC08000000000000000000"));
         QVERIFY(link.open(1022));
         QCOMPARE(second.claimedInterface, 2);
-        // A list in between takes the bridge away from the link that has it open, and names it also where it has
-        // moved.
+        // A list in between takes the bridge away from the link that has it open, and names it also where it
+        // has moved.
         first.unplug();
         link.scan();
         QCOMPARE(log.lines().constLast(), QStringLiteral("ch347: QVector(1022, 1004)"));

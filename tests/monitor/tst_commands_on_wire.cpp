@@ -1,5 +1,5 @@
-// Every command of a panel from the control to the wire and from the answer to the control, with sensors that obey,
-// refuse, stay silent and talk nonsense.
+// Every command of a panel from the control to the wire and from the answer to the control, with sensors that
+// obey, refuse, stay silent and talk nonsense.
 
 #include "tests/monitor/monitor_bench.h"
 
@@ -53,7 +53,8 @@ struct World : MonitorBench
             frames += QString::fromLatin1(record.bytes.toHex());
         return frames;
     }
-    /// True when nothing waits any more: a last question came back. Asks again, for a sensor may be starting up.
+    /// True when nothing waits any more: a last question came back. Asks again, for a sensor may be starting
+    /// up.
     bool settled()
     {
         auto *label = of<QLabel>("lbTemp");
@@ -72,82 +73,167 @@ struct World : MonitorBench
     bool ready = false;
 };
 
-struct Row
-{
-    const char *name;
-    std::function<void(World &)> act;
-    QByteArray request;
-    std::function<bool(World &)> effect;
-};
+using Act = std::function<void(World &)>;
+using Effect = std::function<bool(World &)>;
 
 const char *const kTable = "tbwThreshold";
 const char *const kCurves = "tbwCaliTable";
 
+Act click(const char *name)
+{
+    return [name](World &w) { w.click(name); };
+}
+
+/// Sets a property of a control: the value of a spin box, the index of a combo box.
+Act set(const char *name, const QVariant &value, const char *property = "value")
+{
+    return [=](World &w) { w.of<QWidget>(name)->setProperty(property, value); };
+}
+
+Act edit(const char *table, int row, int column, const char *text)
+{
+    return [=](World &w) { w.edit(table, row, column, text); };
+}
+
+Act ask(void (fingerForm::*request)())
+{
+    return [request](World &w) { (w.panel->*request)(); };
+}
+
+Act operator+(const Act &first, const Act &second)
+{
+    return [=](World &w) {
+        first(w);
+        second(w);
+    };
+}
+
+/// What the sensor then keeps.
+template<typename Condition>
+Effect kept(Condition condition)
+{
+    return [condition](World &w) { return condition(w.sensor->settings()); };
+}
+
+Effect shows(const char *table, int row, int column, const char *text)
+{
+    return [=](World &w) { return w.shown(table, row, column) == QLatin1String(text); };
+}
+
+Effect has(const char *name, const char *property, const QVariant &value)
+{
+    return [=](World &w) { return w.of<QWidget>(name)->property(property) == value; };
+}
+
 /// For what changes nothing that can be seen: the sensor has obeyed.
-std::function<bool(World &)> answered(const char *frame)
+Effect answered(const char *frame)
 {
     return [bytes = QByteArray::fromHex(frame)](World &w) {
         return w.line.journal().count(SimRecord::Kind::Answer, bytes) == 1;
     };
 }
 
-// clang-format off
-const QVector<Row> kRows = {
-    {"all parameters", [](World &w) { w.of<QTableWidget>(kTable)->setColumnCount(10); w.click("pbtnGetThreshold"); }, "aa55614a0000000000aa01",
-     [](World &w) { return !w.shown(kTable, 7, 0).isEmpty() && !w.shown(kTable, 7, 6).isEmpty() && w.cell(kTable, 7, 9) && w.cell(kTable, 7, 5); }},
-    {"threshold", [](World &w) { w.edit(kTable, 1, 0, "123456"); }, "aa5561690140e20100ed02",
-     [](World &w) { return w.sensor->settings().thresholds.at(1) == 123456; }},
-    {"excitation, read again", [](World &w) { w.edit(kTable, 1, 1, "20"); w.cell(kTable, 1, 1)->setText(QStringLiteral("1")); }, "aa5561500114000000c501",
-     [](World &w) { return w.sensor->settings().excitations.at(1) == 20 && w.shown(kTable, 1, 1) == QStringLiteral("20"); }},
-    {"range", [](World &w) { w.edit(kTable, 1, 2, "22"); }, "aa5561520116000000c901",
-     [](World &w) { return w.sensor->settings().ranges.at(1) == 22; }},
-    {"filter", [](World &w) { w.cell(kTable, 1, 3)->setText(QStringLiteral("4")); w.cell(kTable, 1, 4)->setText(QStringLiteral("5")); w.edit(kTable, 1, 5, "0.5"); },
-     "aa5561590104050000003f0202", [](World &w) { return w.sensor->settings().filterFactors.at(1) == 0.5F; }},
-    {"timeout", [](World &w) { w.edit(kTable, 1, 6, "3600000"); }, "aa55615d0180ee36006203",
-     [](World &w) { return w.sensor->settings().touchTimeoutsMs.at(1) == 3600000; }},
-    {"adjust at power-up", [](World &w) { w.click("chkbtnAutoDacPowerUp"); }, "aa5561400100000000a101",
-     [](World &w) { return w.sensor->settings().autoDacAtPowerUp == 1; }},
-    {"adjustment read", [](World &w) { w.of<QCheckBox>("chkbtnAutoDacPowerUp")->setChecked(false); w.panel->getAutoDacPowerUp(); }, "aa5561410000000000a101",
-     [](World &w) { return w.of<QCheckBox>("chkbtnAutoDacPowerUp")->isChecked(); }},
-    {"release of pressure", [](World &w) { w.of<QSpinBox>("spbPressReleaseThreshold")->setValue(70000); w.of<QSpinBox>("spbPressReleaseThresholdScale")->setValue(2);
-        w.click("pbtnSetPressReleaseThreshold"); }, "aa55614370110100022702", [](World &w) { return w.sensor->settings().pressReleaseMaximum == 70000; }},
-    {"release of proximity", [](World &w) { w.of<QSpinBox>("spbProxReleaseThreshold")->setValue(70000); w.of<QSpinBox>("spbProxReleaseThresholdScale")->setValue(2);
-        w.click("pbtnSetProxReleaseThreshold"); }, "aa55614570110100022902", [](World &w) { return w.sensor->settings().proximityReleaseScale == 2; }},
-    {"release read", [](World &w) { w.of<QSpinBox>("spbProxReleaseThreshold")->setValue(1); w.panel->getReleaseThreshold(); }, "aa5561460000000000a601",
-     [](World &w) { return w.of<QSpinBox>("spbProxReleaseThreshold")->value() == 70000; }},
-    {"clear without proximity", [](World &w) { w.of<QSpinBox>("spbProxClearTouchTimeout")->setValue(1500); w.click("chkbtnProxClearTouch"); }, "aa55615c0000000000bc01",
-     [](World &w) { return w.sensor->settings().proximityClearDelayMs == 1500 && w.of<QCheckBox>("chkbtnProxClearTouch")->isChecked(); }},
-    {"high sensitivity", [](World &w) { w.click("rbtnModeHighBd"); }, "aa5561560100000000b701", [](World &w) { return w.sensor->settings().measuringMode == 1; }},
-    {"temperature", [](World &w) { w.of<QLabel>("lbTemp")->clear(); w.click("pbtnGetTemp"); }, "aa5561740000000000d401", [](World &w) { return !w.of<QLabel>("lbTemp")->text().isEmpty(); }},
-    {"temperature calibrated", [](World &w) { w.of<QDoubleSpinBox>("dspbTempCali")->setValue(1.5); w.click("pbtnTempCali"); }, "aa5561750000c03f00d402",
-     [](World &w) { return w.sensor->settings().temperatureCalibration == 1.5F; }},
-    {"pressure threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbTouchThreshold")->setValue(0.29); w.click("pbtnTouchThreshold"); }, "aa55616a011c000000e701",
-     [](World &w) { return w.sensor->settings().thresholds.at(5) == 280 && w.shown(kTable, 5, 0) == QStringLiteral("280"); }},
-    {"automatic threshold", [](World &w) { w.click("pbtnAutoThreshold"); }, "aa5561670300000000ca01",
-     [](World &w) { return w.sensor->settings().thresholds.at(5) == 45; }},
-    {"channel values", [](World &w) { w.click("pbtnAutoDac"); }, "aa5561630000000000c301", answered("55aa61e34302")},
-    {"all channels", [](World &w) { w.click("pbtnChannelResetAll"); }, "aa5561790000000000d901", answered("55aa61f95902")},
-    {"counts", [](World &w) { w.panel->getSensorNum(); }, "aa5561620000000000c201", answered("55aa61e208070101005302")},
-    {"channel disabled", [](World &w) { auto *box = w.of<QWidget>("sawgDataList")->findChildren<QCheckBox *>().at(3); box->setChecked(true); box->setChecked(false); },
-     "aa55617b0300000000de01", [](World &w) { return w.sensor->settings().enabled.at(3) == 0; }},
-    {"channel reset", [](World &w) { w.of<QWidget>("sawgDataList")->findChildren<QPushButton *>().at(7)->click(); }, "aa55617c0700000000e301", answered("55aa61fc00000000005c02")},
-    {"send type", [](World &w) { w.of<QTabWidget>("tabWidget")->setCurrentIndex(2); w.of<QComboBox>("cbbSetSendType")->setCurrentIndex(3); }, "aa55617f0000000300e201",
-     [](World &w) { return w.sensor->settings().sendType == 3; }},
-    {"calibration forces", [](World &w) { w.panel->getCaliNList(); }, "aa55616d0000000000cd01", [](World &w) { return w.of<QComboBox>("cbbCaliList")->count() == 22; }},
-    {"calibration curves", [](World &w) { w.click("pbtnCaliRefresh"); }, "aa55616f0000000000cf01",
-     [](World &w) { return w.shown(kCurves, 1, 7) == QStringLiteral("2000") && !w.of<QLabel>("lbCaliTableState")->text().isEmpty(); }},
-    {"force as threshold", [](World &w) { w.of<QDoubleSpinBox>("dspbSetPressThresholdPress")->setValue(99); w.click("pbtnSetPressThreshold"); }, "aa55616900f05500000e03",
-     [](World &w) { return w.sensor->settings().thresholds.at(0) == 22000; }},
-    {"calibration point", [](World &w) { w.edit(kCurves, 1, 2, "1500"); }, "aa5561650201dc0500a902",
-     [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 1500 && w.shown(kCurves, 1, 2) == QStringLiteral("1500"); }},
-    {"large calibration point", [](World &w) { w.edit(kCurves, 1, 2, "16777215"); }, "aa5561650201ffffff00c504",
-     [](World &w) { return w.sensor->settings().curves.at(2).at(1) == 16777215; }},
-    {"calibration cleared", [](World &w) { w.click("pbtnCaliClear"); }, "aa55614207" + QByteArray(176, '0') + "a901",
-     [](World &w) { return w.sensor->settings().curves.at(7).at(21) == 0 && w.shown(kCurves, 21, 7) == QStringLiteral("0"); }},
-    {"software reset", [](World &w) { w.of<QWidget>("scrollArea")->findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click(); }, "aa5561a100000000000102",
-     [](World &w) { return w.sensor->bootLoader().isActive(SimClock::now()); }},
+Effect operator&&(const Effect &first, const Effect &second)
+{
+    return [=](World &w) { return first(w) && second(w); };
+}
+
+struct Row
+{
+    const char *name;
+    Act act;
+    QByteArray request;
+    Effect effect;
 };
-// clang-format on
+
+using Kept = const SimSettings &;
+
+const QVector<Row> kRows = {
+    {"all parameters", set(kTable, 10, "columnCount") + click("pbtnGetThreshold"), "aa55614a0000000000aa01",
+     [](World &w) {
+         return !w.shown(kTable, 7, 0).isEmpty() && !w.shown(kTable, 7, 6).isEmpty() &&
+                w.cell(kTable, 7, 9) != nullptr && w.cell(kTable, 7, 5) != nullptr;
+     }},
+    {"threshold", edit(kTable, 1, 0, "123456"), "aa5561690140e20100ed02",
+     kept([](Kept s) { return s.thresholds.at(1) == 123456; })},
+    {"excitation, read again",
+     edit(kTable, 1, 1, "20") + [](World &w) { w.cell(kTable, 1, 1)->setText(QStringLiteral("1")); },
+     "aa5561500114000000c501",
+     kept([](Kept s) { return s.excitations.at(1) == 20; }) && shows(kTable, 1, 1, "20")},
+    {"range", edit(kTable, 1, 2, "22"), "aa5561520116000000c901",
+     kept([](Kept s) { return s.ranges.at(1) == 22; })},
+    {"filter",
+     [](World &w) {
+         w.cell(kTable, 1, 3)->setText(QStringLiteral("4"));
+         w.cell(kTable, 1, 4)->setText(QStringLiteral("5"));
+         w.edit(kTable, 1, 5, "0.5");
+     },
+     "aa5561590104050000003f0202", kept([](Kept s) { return s.filterFactors.at(1) == 0.5F; })},
+    {"timeout", edit(kTable, 1, 6, "3600000"), "aa55615d0180ee36006203",
+     kept([](Kept s) { return s.touchTimeoutsMs.at(1) == 3600000; })},
+    {"adjust at power-up", click("chkbtnAutoDacPowerUp"), "aa5561400100000000a101",
+     kept([](Kept s) { return s.autoDacAtPowerUp == 1; })},
+    {"adjustment read", set("chkbtnAutoDacPowerUp", false, "checked") + ask(&fingerForm::getAutoDacPowerUp),
+     "aa5561410000000000a101", has("chkbtnAutoDacPowerUp", "checked", true)},
+    {"release of pressure",
+     set("spbPressReleaseThreshold", 70000) + set("spbPressReleaseThresholdScale", 2) +
+         click("pbtnSetPressReleaseThreshold"),
+     "aa55614370110100022702", kept([](Kept s) { return s.pressReleaseMaximum == 70000; })},
+    {"release of proximity",
+     set("spbProxReleaseThreshold", 70000) + set("spbProxReleaseThresholdScale", 2) +
+         click("pbtnSetProxReleaseThreshold"),
+     "aa55614570110100022902", kept([](Kept s) { return s.proximityReleaseScale == 2; })},
+    {"release read", set("spbProxReleaseThreshold", 1) + ask(&fingerForm::getReleaseThreshold),
+     "aa5561460000000000a601", has("spbProxReleaseThreshold", "value", 70000)},
+    {"clear without proximity", set("spbProxClearTouchTimeout", 1500) + click("chkbtnProxClearTouch"),
+     "aa55615c0000000000bc01",
+     kept([](Kept s) { return s.proximityClearDelayMs == 1500; }) &&
+         has("chkbtnProxClearTouch", "checked", true)},
+    {"high sensitivity", click("rbtnModeHighBd"), "aa5561560100000000b701",
+     kept([](Kept s) { return s.measuringMode == 1; })},
+    {"temperature", set("lbTemp", QString(), "text") + click("pbtnGetTemp"), "aa5561740000000000d401",
+     [](World &w) { return !w.of<QLabel>("lbTemp")->text().isEmpty(); }},
+    {"temperature calibrated", set("dspbTempCali", 1.5) + click("pbtnTempCali"), "aa5561750000c03f00d402",
+     kept([](Kept s) { return s.temperatureCalibration == 1.5F; })},
+    {"pressure threshold", set("dspbTouchThreshold", 0.29) + click("pbtnTouchThreshold"),
+     "aa55616a011c000000e701",
+     kept([](Kept s) { return s.thresholds.at(5) == 280; }) && shows(kTable, 5, 0, "280")},
+    {"automatic threshold", click("pbtnAutoThreshold"), "aa5561670300000000ca01",
+     kept([](Kept s) { return s.thresholds.at(5) == 45; })},
+    {"channel values", click("pbtnAutoDac"), "aa5561630000000000c301", answered("55aa61e34302")},
+    {"all channels", click("pbtnChannelResetAll"), "aa5561790000000000d901", answered("55aa61f95902")},
+    {"counts", ask(&fingerForm::getSensorNum), "aa5561620000000000c201", answered("55aa61e208070101005302")},
+    {"channel disabled",
+     [](World &w) {
+         auto *box = w.of<QWidget>("sawgDataList")->findChildren<QCheckBox *>().at(3);
+         box->setChecked(true);
+         box->setChecked(false);
+     },
+     "aa55617b0300000000de01", kept([](Kept s) { return s.enabled.at(3) == 0; })},
+    {"channel reset",
+     [](World &w) { w.of<QWidget>("sawgDataList")->findChildren<QPushButton *>().at(7)->click(); },
+     "aa55617c0700000000e301", answered("55aa61fc00000000005c02")},
+    {"send type", set("tabWidget", 2, "currentIndex") + set("cbbSetSendType", 3, "currentIndex"),
+     "aa55617f0000000300e201", kept([](Kept s) { return s.sendType == 3; })},
+    {"calibration forces", ask(&fingerForm::getCaliNList), "aa55616d0000000000cd01",
+     has("cbbCaliList", "count", 22)},
+    {"calibration curves", click("pbtnCaliRefresh"), "aa55616f0000000000cf01",
+     shows(kCurves, 1, 7, "2000") &&
+         [](World &w) { return !w.of<QLabel>("lbCaliTableState")->text().isEmpty(); }},
+    {"force as threshold", set("dspbSetPressThresholdPress", 99) + click("pbtnSetPressThreshold"),
+     "aa55616900f05500000e03", kept([](Kept s) { return s.thresholds.at(0) == 22000; })},
+    {"calibration point", edit(kCurves, 1, 2, "1500"), "aa5561650201dc0500a902",
+     kept([](Kept s) { return s.curves.at(2).at(1) == 1500; }) && shows(kCurves, 1, 2, "1500")},
+    {"large calibration point", edit(kCurves, 1, 2, "16777215"), "aa5561650201ffffff00c504",
+     kept([](Kept s) { return s.curves.at(2).at(1) == 16777215; })},
+    {"calibration cleared", click("pbtnCaliClear"), "aa55614207" + QByteArray(176, '0') + "a901",
+     kept([](Kept s) { return s.curves.at(7).at(21) == 0; }) && shows(kCurves, 21, 7, "0")},
+    {"software reset",
+     [](World &w) {
+         w.of<QWidget>("scrollArea")->findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click();
+     },
+     "aa5561a100000000000102", [](World &w) { return w.sensor->bootLoader().isActive(SimClock::now()); }},
+};
 
 } // namespace
 

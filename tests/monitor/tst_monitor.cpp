@@ -248,7 +248,8 @@ private Q_SLOTS:
         bench.form.start();
         QVERIFY(bench.connectLine());
         const LogCapture log;
-        // While the window waits here it hears nothing of what the worker finds. Samples flow when a sensor is found.
+        // While the window waits here it hears nothing of what the worker finds. Samples flow when a sensor
+        // is found.
         bool asked = false;
         const auto isSampleOfAFoundSensor = [&asked](const SimRecord &record) {
             asked = asked || record.bytes == QByteArray::fromHex("AA5561A400000000000402");

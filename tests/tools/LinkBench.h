@@ -65,7 +65,8 @@ struct LinkBench
     void pull() { line ? line->removePort() : bridge->pullOutAfter(7); }
     void restore() { line ? line->restorePort() : usb.plug(bridge); }
 
-    /// Bytes in hex that were written to the address, one entry a transfer; a serial line knows address 0 only.
+    /// Bytes in hex that were written to the address, one entry a transfer; a serial line knows address 0
+    /// only.
     QStringList writesTo(uint8_t address)
     {
         SimJournal &journal = line ? line->journal() : bus->journal();

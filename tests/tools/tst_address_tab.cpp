@@ -1,5 +1,5 @@
-// The address tab against the bench on every link: what goes over the wire, and the states and texts that the user sees
-// meanwhile.
+// The address tab against the bench on every link: what goes over the wire, and the states and texts that the
+// user sees meanwhile.
 
 #include "tests/support/log_capture.h"
 #include "tests/tools/LinkBench.h"
@@ -72,7 +72,8 @@ private Q_SLOTS:
         QCOMPARE(tab.argument->currentText(), QStringLiteral("转接板-1(PCA9548-4)"));
         QCOMPARE(tab.argument->count(), 14);
 
-        // Whatever was chosen, entering the tab makes a serial link, and a press for the other kind has nothing to open.
+        // Whatever was chosen, entering the tab makes a serial link, and a press for the other kind has
+        // nothing to open.
         tab.form.stop();
         tab.form.start();
         QCOMPARE(tab.inf->currentText(), QStringLiteral("IIC-CH341"));

@@ -185,7 +185,8 @@ private Q_SLOTS:
         const QString nothing = QStringLiteral("读:校验失败:0x0000\n地址:0x22\n长度:0\n命令:");
         const QString high =
             QStringLiteral("读:校验失败:0x01fe\n地址:0x22\n长度:4\n命令:0xff,0xff,0xff,0xff");
-        // Only on a serial line the address is put in. Where nobody answers the bus stays high; the CH347 reports it.
+        // Only on a serial line the address is put in. Where nobody answers the bus stays high; the CH347
+        // reports it.
         const QString toBus = QStringLiteral("aa55007100000000007001");
         QTest::newRow("serial") << Kind::Serial << uint8_t{0} << QStringLiteral("aa5561710000000000d101")
                                 << nothing << nothing;

@@ -6,7 +6,8 @@
 
 #include <QSignalSpy>
 
-/// A sender whose every signal is noted, on virtual time. The test plays the receiver, or the bench's boot loader does.
+/// A sender whose every signal is noted, on virtual time. The test plays the receiver, or the bench's boot
+/// loader does.
 class SenderBench
 {
 public:

@@ -21,8 +21,9 @@
 enum class Road { Ch341, Ch347, Uart };
 Q_DECLARE_METATYPE(Road)
 
-/// A machine with both bridges and a serial line, the same kind of sensor behind each, at address 0x05. On the bridges it
-/// hangs on channel 4 of the multiplexer, which is board 1; the serial boot loader hears at 460800 baud.
+/// A machine with both bridges and a serial line, the same kind of sensor behind each, at address 0x05. On
+/// the bridges it hangs on channel 4 of the multiplexer, which is board 1; the serial boot loader hears at
+/// 460800 baud.
 struct UpdateBench
 {
     static constexpr uint8_t kAddress = 0x05;

@@ -5,8 +5,8 @@
 #include <functional>
 #include <vector>
 
-/// Timers without waiting: time stands still until the test moves it, and then jumps from one timer to the next in the
-/// order in which they are due.
+/// Timers without waiting: time stands still until the test moves it, and then jumps from one timer to the
+/// next in the order in which they are due.
 class VirtualTime : public QAbstractEventDispatcher
 {
     Q_OBJECT

@@ -1,4 +1,5 @@
-// What is sent for a file: Intel HEX text as bytes, padding, masking. Independent truth for HEX comes from objcopy.
+// What is sent for a file: Intel HEX text as bytes, padding, masking. Independent truth for HEX comes from
+// objcopy.
 
 #include "tests/support/log_capture.h"
 #include "update/firmware_image.h"

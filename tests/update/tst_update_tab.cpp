@@ -1,4 +1,5 @@
-// The firmware page as its user meets it: what the boxes hold, what is sent for a choice, what the result line says.
+// The firmware page as its user meets it: what the boxes hold, what is sent for a choice, what the result
+// line says.
 
 #include "app/class_settings.h"
 #include "tests/support/log_capture.h"

@@ -1,5 +1,6 @@
-// Whole updates from the tab into the bench's boot loader over every road a sensor can be reached by, left alone, held up
-// and broken off: what the tab says, in which state it leaves the link, and that the next try succeeds.
+// Whole updates from the tab into the bench's boot loader over every road a sensor can be reached by, left
+// alone, held up and broken off: what the tab says, in which state it leaves the link, and that the next try
+// succeeds.
 
 #include "tests/support/log_capture.h"
 #include "tests/update/UpdateBench.h"

@@ -1,5 +1,6 @@
-// The sender without a port: every frame in hex, whole transfers into the bench's boot loader, and each way in which a
-// transfer can be held up or ended. Nothing of the sender's frame builder is used here, and no time passes.
+// The sender without a port: every frame in hex, whole transfers into the bench's boot loader, and each way
+// in which a transfer can be held up or ended. Nothing of the sender's frame builder is used here, and no
+// time passes.
 
 #include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
@@ -106,7 +107,8 @@ private Q_SLOTS:
             SenderBench bench(pattern(1100), &loader);
             QVERIFY(bench.runToEnd());
             QCOMPARE(bench.progress, (QList<int>{0, 93, 99, 0, 100}));
-            // Header with the first poll; its ACK, then "C", then 10 ms; ACK and 10 ms twice; ACK, "C" and null header at once.
+            // Header with the first poll; its ACK, then "C", then 10 ms; ACK and 10 ms twice; ACK, "C" and
+            // null header at once.
             QCOMPARE(bench.writesAtMs, (QList<qint64>{10, 40, 60, 80, 100}));
         }
         const QString expected =

@@ -72,7 +72,8 @@ private Q_SLOTS:
             QSize size;
             int radius;
         };
-        // Half of 60 leaves an arrow width of 3, half of 150 one of 7; a gauge too small for a disc has one of 2 all the same.
+        // Half of 60 leaves an arrow width of 3, half of 150 one of 7; a gauge too small for a disc has one
+        // of 2 all the same.
         for (const Case &each :
              {Case{{200, 120}, 57}, Case{{37, 24}, 10}, Case{{400, 300}, 143}, Case{{9, 40}, 2}}) {
             for (const double pixelRatio : {1.0, 1.25, 1.5, 2.0}) {

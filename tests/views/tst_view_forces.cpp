@@ -183,7 +183,8 @@ private Q_SLOTS:
         // The pressed tile shows half of itself and no arrow, for its neighbours rest.
         QCOMPARE(view.tile(4)->discBrush.color(), QColor(216, 61, 61));
         QCOMPARE(view.tile(4)->direction, kNone);
-        // A corner has one of three neighbours pressed: half of 33.3 percent. A side has one of five: half of 20.
+        // A corner has one of three neighbours pressed: half of 33.3 percent. A side has one of five: half of
+        // 20.
         const QColor corner(224, 124, 124);
         const QColor side(227, 146, 146);
         // The last corner looks at its neighbour by 314 degrees, which truncates towards zero from -45.9999.

@@ -9,7 +9,8 @@
 
 #include <memory>
 
-/// The view of a program id, or nothing. The box of a view without a catalogue row has to be announced by its number.
+/// The view of a program id, or nothing. The box of a view without a catalogue row has to be announced by its
+/// number.
 class ViewProbe
 {
 public:

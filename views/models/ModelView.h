@@ -10,15 +10,15 @@
 class TileArray;
 struct ViewLayout;
 
-/// The acting class of the view family: a picture of the sensor's regions that shows what the decoder hands over, by the
-/// constants of one layout row.
+/// The acting class of the view family: a picture of the sensor's regions that shows what the decoder hands
+/// over, by the constants of one layout row.
 class ModelView : public QWidget, public class_finger
 {
     Q_OBJECT
 
 public:
-    /// Decodes by the catalogue row of the layout's number; a layout without such a row gives a view that refuses all
-    /// frames. The layout must outlive the view.
+    /// Decodes by the catalogue row of the layout's number; a layout without such a row gives a view that
+    /// refuses all frames. The layout must outlive the view.
     explicit ModelView(const ViewLayout &layout, QWidget *parent = nullptr);
     ~ModelView() override;
 

@@ -24,8 +24,8 @@ QColor mixed(const QColor &back, const QColor &front, double part)
     return {mix(back.red(), front.red()), mix(back.green(), front.green()), mix(back.blue(), front.blue())};
 }
 
-/// Pixel size of the largest digits with which `text` fits on the left of the disc of a gauge. The font has to be the
-/// gauge's own: a label with a style sheet does not take its parent's.
+/// Pixel size of the largest digits with which `text` fits on the left of the disc of a gauge. The font has
+/// to be the gauge's own: a label with a style sheet does not take its parent's.
 int digitSize(QFont font, QSize gauge, const QString &text, int indent = 0)
 {
     const int disc = gaugeSize(gauge.width(), gauge.height(), false).radius;

@@ -17,7 +17,8 @@ public:
     explicit SensorPicture(Outline outline, QWidget *parent = nullptr);
 
     /// Marks a region and, if there is a gauge, keeps it there and takes it as a child. With a text, of which
-    /// the widest is given, the gauge has the width of the spot, and digits that keep the text on the left of the disc.
+    /// the widest is given, the gauge has the width of the spot, and digits that keep the text on the left of
+    /// the disc.
     void addSpot(const Spot &spot, QWidget *gauge = nullptr, const QString &widestText = QString());
     /// Marks the cells of an array and keeps the grid over them, which becomes a child.
     void setTiles(const TileLayout &tiles, QWidget *grid, const QString &widestText);

@@ -9,8 +9,8 @@ class class_ydds;
 class sensorForm;
 struct TileLayout;
 
-/// The tiles of an array view: each shows the force of its channel, blended with its neighbours, and an arrow towards
-/// where they press hardest.
+/// The tiles of an array view: each shows the force of its channel, blended with its neighbours, and an arrow
+/// towards where they press hardest.
 class TileArray
 {
 public:
@@ -20,8 +20,8 @@ public:
     /// Shapes `grid`. The layout must outlive the array.
     TileArray(const TileLayout &layout, sensorForm *grid);
 
-    /// Forces by channel in newtons. Tiles beyond the last force stay as they are, forces beyond the last tile are not
-    /// shown.
+    /// Forces by channel in newtons. Tiles beyond the last force stay as they are, forces beyond the last
+    /// tile are not shown.
     void show(const QVector<float> &newtons, float range, bool withTexts);
 
     QVector<sensor_ts> sensorList;

@@ -22,7 +22,8 @@ namespace {
 /// Index of the page with the board picture, behind the pages that every view with such a page has.
 constexpr int kBoardPageIndex = 2;
 
-/// The widest text of a force block: both forces at full scale, with a sign where the format has one, and a direction.
+/// The widest text of a force block: both forces at full scale, with a sign where the format has one, and a
+/// direction.
 QString widestBlock(const finger_info_ts &row)
 {
     const bool isSigned = row.yddsFmt == 2 || row.yddsFmt == 5;

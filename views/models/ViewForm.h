@@ -17,14 +17,14 @@ class ydds;
 struct ViewLayout;
 struct finger_info_ts;
 
-/// The widgets of a view, made from its layout row under the names by which they are found: label_1 and on, lbPress_1
-/// and on, pbSProx_1 and on, pbMProx_1 and on, wgSensor, tabWidget, lbPCB, sawgDataList, lyDataList. All belong to the
-/// view; what the view writes to at a sample is guarded.
+/// The widgets of a view, made from its layout row under the names by which they are found: label_1 and on,
+/// lbPress_1 and on, pbSProx_1 and on, pbMProx_1 and on, wgSensor, tabWidget, lbPCB, sawgDataList,
+/// lyDataList. All belong to the view; what the view writes to at a sample is guarded.
 class ViewForm
 {
 public:
-    /// Fills `view`. Texts are asked in the context `viewClass`; `row` tells how many bars there are and how wide the
-    /// numbers get.
+    /// Fills `view`. Texts are asked in the context `viewClass`; `row` tells how many bars there are and how
+    /// wide the numbers get.
     void setupUi(QWidget *view, const QByteArray &viewClass, const ViewLayout &layout,
                  const finger_info_ts &row);
 

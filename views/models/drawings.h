@@ -21,8 +21,8 @@ struct Spot
     double x;
     double y;
     double diameter;
-    /// Of a gauge that carries numbers. They stand at its left edge, which may lie beyond the outline; as much stays
-    /// free on the right.
+    /// Of a gauge that carries numbers. They stand at its left edge, which may lie beyond the outline; as
+    /// much stays free on the right.
     double width = 0;
 };
 
@@ -54,8 +54,8 @@ struct TileLayout
     double height;
 };
 
-/// Where a sensor's regions lie: gauges stand for three-dimensional force blocks, discs for force channels, tiles for
-/// the channels of an array.
+/// Where a sensor's regions lie: gauges stand for three-dimensional force blocks, discs for force channels,
+/// tiles for the channels of an array.
 struct Drawing
 {
     Outline outline;

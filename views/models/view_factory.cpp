@@ -43,8 +43,8 @@ class_finger *makeView(uint8_t prg, QWidget *parent)
     }
     const bool hasParent = parent != nullptr;
     const QPointer<QWidget> guard(parent);
-    // Without a parent until it is built: the boxes of the audit run the event loop, and a parent that dies there would
-    // take the half-built view with it.
+    // Without a parent until it is built: the boxes of the audit run the event loop, and a parent that dies
+    // there would take the half-built view with it.
     std::unique_ptr<ModelView> view(maker->make());
     if (hasParent && guard.isNull())
         return nullptr;
