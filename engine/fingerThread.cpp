@@ -155,10 +155,8 @@ void fingerThread::setUpTimers()
     timerHz = newTimer([this] { m_work->sampling.publishRates(); });
     timerTick = newTimer([this] { m_work->sampling.advanceTicks(kTickInterval); });
     timerLost = newTimer([this] {
-        if (!m_work)
-            return;
-        m_work->link.keepNoticed();
-        m_work->sampling.ageSensors(kLostInterval);
+        if (m_work)
+            m_work->sampling.ageSensors(kLostInterval);
     });
     timerLost->start(kLostInterval);
 }
@@ -187,8 +185,6 @@ void fingerThread::sl_connectCh341(QString id)
     if (!m_work || linkIsOpen() || !ch341List.contains(id))
         return;
     qDebug("%s connect", m_work->link.name());
-    // A bridge that left and came back before the link is told again would be dead and look open.
-    m_work->link.keepNoticed();
     m_work->link.open(id);
 }
 

@@ -152,12 +152,6 @@ void SensorLink::scan()
         m_link);
 }
 
-void SensorLink::keepNoticed()
-{
-    if (auto *const *ch341 = std::get_if<class_ch341 *>(&m_link); ch341 != nullptr)
-        (*ch341)->keepNoticed();
-}
-
 int SensorLink::write(uint8_t address, const uint8_t *data, int length)
 {
     if (QSerialPort *serial = port(); serial != nullptr) {

@@ -54,9 +54,6 @@ public:
     bool isOpen() const;
     /// Lists the devices now.
     void scan();
-    /// To be called now and then: hears of bridges that come and go again where the end of another link to a
-    /// CH341 has ended that for all.
-    void keepNoticed();
 
     /// Number of bytes that went out or came, 0 on failure. A serial line takes all of them, whatever the
     /// address, and is not read by read(): it has takeReceived().

@@ -7,10 +7,14 @@
 #include <QThread>
 #include <QTimer>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr uint32_t kIndexCount = 16;
-constexpr int kFirstScanDelayMs = 100;
+constexpr auto kFirstScanDelay = 100ms;
+/// How long an instance may be deaf after the end of another one.
+constexpr auto kNoticeInterval = 200ms;
 
 constexpr uint8_t kSendChunk = 20;
 constexpr uint8_t kReceiveChunk = 30;
@@ -79,7 +83,10 @@ class_ch341::class_ch341(QObject *parent)
     connect(this, &class_ch341::bridgeNoticed, this, &class_ch341::takeNotice);
     s_notified = this;
     CH341SetDeviceNotify(0, nullptr, &class_ch341::CH341_NOTIFY_ROUTINE);
-    QTimer::singleShot(kFirstScanDelayMs, this, &class_ch341::getScanSignal);
+    QTimer::singleShot(kFirstScanDelay, this, &class_ch341::getScanSignal);
+    auto *timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &class_ch341::keepNoticed);
+    timer->start(kNoticeInterval);
 }
 
 class_ch341::~class_ch341()
@@ -93,6 +100,8 @@ class_ch341::~class_ch341()
 
 bool class_ch341::open(uint16_t id)
 {
+    // A bridge that left and came back before the instance is told again would be dead and look open.
+    keepNoticed();
     const int8_t position = openListedBridge(m_state, id, kIndexCount, CH341OpenDevice, CH341CloseDevice);
     if (position < 0)
         return false;

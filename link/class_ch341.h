@@ -55,10 +55,6 @@ public:
     /// 0 or 1, 255 when closed.
     uint8_t getInt();
 
-    /// Follows arrivals and removals again where the end of another instance has ended that for all, and
-    /// looks once for what came and went meanwhile.
-    void keepNoticed();
-
     /// What the bridge library calls on arrival and removal, status 0 being a removal. May be entered on any
     /// thread. The bridges are listed there and then: when the owner has time for it, one that left may be
     /// back.
@@ -76,6 +72,9 @@ Q_SIGNALS:
 
 private:
     void takeNotice(unsigned int status, const QVector<uint16_t> &ids);
+    /// Follows arrivals and removals again where the end of another instance has ended that for all, and
+    /// looks once for what came and went meanwhile.
+    void keepNoticed();
 
     static std::atomic<class_ch341 *> s_notified;
 

@@ -122,7 +122,6 @@ private Q_SLOTS:
         link.setUpSensorBus();
         link.setUpBusAtSpeed(BusSpeed::Khz400);
         link.pcaReset();
-        link.keepNoticed();
         QCOMPARE(vendor().takeCalls(), QString());
         const int closedBefore = closed.size();
         link.close();
