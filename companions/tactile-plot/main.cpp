@@ -69,7 +69,8 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
                                     QStringLiteral("What comes in; auto tells by the first bytes."),
                                     QStringLiteral("auto|firewater|justfloat"), QStringLiteral("auto"));
     const QCommandLineOption picture(QStringLiteral("picture"),
-                                     QStringLiteral("Draw the recordings into a file (.png, .svg) and end."),
+                                     QStringLiteral("Draw the recordings into a file (.png, .svg) and end; "
+                                                    "while listening, draw what came in at the end."),
                                      QStringLiteral("file"));
     const QCommandLineOption language(QStringLiteral("language"),
                                       QStringLiteral("Speaks that language instead of the system's."),
@@ -90,10 +91,8 @@ std::optional<int> readOptions(int argc, char **argv, Options &options)
         return complain(WrongUse, QStringLiteral("--language takes en or zh_cn."));
     if (!readFormat(parser.value(format), options.format))
         return complain(WrongUse, QStringLiteral("--format takes auto, firewater or justfloat."));
-    if (parser.isSet(picture) && (options.files.isEmpty() || !isPicturePath(options.picture)))
-        return complain(WrongUse,
-                        QStringLiteral("--picture takes a name that ends in .png or .svg, and recordings "
-                                       "behind it."));
+    if (parser.isSet(picture) && !isPicturePath(options.picture))
+        return complain(WrongUse, QStringLiteral("--picture takes a name that ends in .png or .svg."));
     return std::nullopt;
 }
 
@@ -129,6 +128,14 @@ std::optional<std::vector<NamedRecording>> readFiles(const QStringList &paths)
     return recordings;
 }
 
+/// The exit code.
+int savePicture(PlotWindow &window, const QString &path)
+{
+    if (savePlotPicture(window.plot(), path))
+        return Done;
+    return complain(Failed, QStringLiteral("%1 cannot be written. Choose another folder.").arg(path));
+}
+
 int showRecordings(const Options &options)
 {
     auto recordings = readFiles(options.files);
@@ -137,11 +144,7 @@ int showRecordings(const Options &options)
     PlotWindow window;
     window.open(std::move(*recordings));
     if (!options.picture.isEmpty())
-        return savePlotPicture(window.plot(), options.picture)
-                   ? Done
-                   : complain(
-                         Failed,
-                         QStringLiteral("%1 cannot be written. Choose another folder.").arg(options.picture));
+        return savePicture(window, options.picture);
     window.show();
     return QApplication::exec();
 }
@@ -158,7 +161,8 @@ int showLive(const Options &options)
     window.show();
     std::printf("listening on %s port %d\n", qUtf8Printable(options.address.toString()), server.port());
     std::fflush(stdout);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    return options.picture.isEmpty() ? status : savePicture(window, options.picture);
 }
 
 } // namespace

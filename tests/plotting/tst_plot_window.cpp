@@ -211,7 +211,10 @@ private Q_SLOTS:
 
     void endsWhenAsked()
     {
-        auto *process = startPlot(this, {QStringLiteral("--listen"), QStringLiteral("0")});
+        const QTemporaryDir folder;
+        const QString picture = folder.filePath(QStringLiteral("a.png"));
+        auto *process = startPlot(
+            this, {QStringLiteral("--listen"), QStringLiteral("0"), QStringLiteral("--picture"), picture});
         QVERIFY(process->waitForReadyRead(kPatienceMs));
         const QByteArray line = process->readLine();
         const auto port = line.mid(line.lastIndexOf(' ') + 1).trimmed();
@@ -223,6 +226,7 @@ private Q_SLOTS:
         QVERIFY(process->waitForFinished(kPatienceMs));
         QCOMPARE(process->exitStatus(), QProcess::NormalExit);
         QCOMPARE(process->exitCode(), 0);
+        QVERIFY(!QImage(picture).isNull());
     }
 };
 
