@@ -94,8 +94,7 @@ CalibrationPage::CalibrationPage(Ui::fingerForm &ui, RequestPort &port, ChannelT
     , m_port(port)
     , m_channels(channels)
 {
-    for (QHeaderView *header : {ui.tbwCaliTable->horizontalHeader(), ui.tbwCaliTable->verticalHeader()})
-        header->setSectionResizeMode(QHeaderView::ResizeToContents);
+    ui.tbwCaliTable->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     for (QTableWidget *table : {ui.tbwCaliCh, ui.tbwCaliChGroup, ui.tbwCaliMaxAuto})
         stretchHeaders(table, true);
     connect(ui.pbtnCaliRefresh, &QAbstractButton::clicked, this, &CalibrationPage::refresh);
@@ -111,9 +110,13 @@ void CalibrationPage::setModel(const finger_info_ts *model)
     QStringList channels;
     for (int i = 0; i < calibratedChannels(); ++i)
         channels += QString::number(i);
+    // A header that follows the contents would measure all cells at every label.
+    QHeaderView *header = m_ui.tbwCaliTable->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Interactive);
     m_ui.tbwCaliTable->setRowCount(calibrationPoints());
     m_ui.tbwCaliTable->setColumnCount(calibratedChannels());
     m_ui.tbwCaliTable->setHorizontalHeaderLabels(channels);
+    header->setSectionResizeMode(QHeaderView::ResizeToContents);
     m_ui.tbwCaliMaxAuto->setRowCount(1);
     m_ui.tbwCaliMaxAuto->setColumnCount(calibratedChannels());
 }
