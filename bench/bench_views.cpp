@@ -145,12 +145,14 @@ public:
                 all.append(
                     {QRect(gauge->mapTo(m_widget.get(), QPoint()), gauge->size()), arrow, gauge->text()});
         };
-        for (const ydds *gauge : m_widget->findChildren<ydds *>()) {
+        const auto gauges = m_widget->findChildren<ydds *>();
+        const auto tiles = m_widget->findChildren<class_ydds *>();
+        for (const ydds *gauge : gauges) {
             const bool disc = gauge->objectName().startsWith(QLatin1String("lbPress_"));
             m_discs += disc ? 1 : 0;
             add(gauge, !disc);
         }
-        for (const class_ydds *tile : m_widget->findChildren<class_ydds *>())
+        for (const class_ydds *tile : tiles)
             add(tile, true);
         return all;
     }

@@ -184,7 +184,7 @@ QVector<QRgb> paletteOf(const QHash<QRgb, int> &counts)
     constexpr int kMostColours = 256;
     constexpr int kSurfaces = 64;
     constexpr QRgb kKind = 0xF8F8F8;
-    QVector<QRgb> colours = counts.keys().toVector();
+    QList<QRgb> colours = counts.keys();
     // Equally frequent ones in an order of their own, so that a view that has not changed is the same in
     // every sheet.
     std::sort(colours.begin(), colours.end(), [&counts](QRgb one, QRgb other) {

@@ -37,7 +37,7 @@ bool channelAnswers(const QWidget *tab, int channel)
     auto *log = in<QPlainTextEdit>(tab, QStringLiteral("txtDebugLog"));
     const int before = log->toPlainText().size();
     in<QPushButton>(tab, QStringLiteral("pbtnCh341WR"))->click();
-    return log->toPlainText().mid(before).contains(QStringLiteral("读:校验成功"));
+    return log->toPlainText().midRef(before).contains(QStringLiteral("读:校验成功"));
 }
 
 void moveSensor(WindowDriver &driver, const TourStop &stop, int fromAddress, int toAddress)

@@ -217,7 +217,8 @@ void PanelArea::setMultiWindow(bool multiWindow)
     if (!multiWindow)
         return;
     mdi->tileSubWindows();
-    for (QMdiSubWindow *window : mdi->subWindowList())
+    const QList<QMdiSubWindow *> windows = mdi->subWindowList();
+    for (QMdiSubWindow *window : windows)
         window->setGeometry(window->x(), window->y(), window->width(), mdi->height());
 }
 

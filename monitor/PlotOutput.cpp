@@ -9,18 +9,19 @@
 
 namespace {
 
-/// The decoder whose data goes out, one for the process, and the view that it is part of.
-class_finger *tcpFinger = nullptr;
-QPointer<QWidget> tcpFingerView;
-
-void follow(class_finger *active)
+/// The decoder whose data goes out, one for the process: the active one, or the last one that was as long as
+/// it lives. Null without any.
+class_finger *followed(class_finger *active)
 {
-    if (!tcpFingerView)
-        tcpFinger = nullptr;
-    if (active && active != tcpFinger) {
-        tcpFinger = active;
-        tcpFingerView = dynamic_cast<QWidget *>(active);
+    static class_finger *finger = nullptr;
+    static QPointer<QWidget> view; // that the decoder is part of
+    if (!view)
+        finger = nullptr;
+    if (active && active != finger) {
+        finger = active;
+        view = dynamic_cast<QWidget *>(active);
     }
+    return finger;
 }
 
 QString addressKey()
@@ -67,7 +68,7 @@ void PlotOutput::connectOrDisconnect(const QString &address, int port)
 
 void PlotOutput::send(TcpFormat format, class_finger *active)
 {
-    follow(active);
-    if (tcpFinger && tcp->isConnected())
-        tcp->send(tcpRecord(format, *tcpFinger));
+    const class_finger *finger = followed(active);
+    if (finger && tcp->isConnected())
+        tcp->send(tcpRecord(format, *finger));
 }

@@ -27,7 +27,8 @@ void refillCellEdit(QLineEdit *edit, const QString &text)
 // An edit that was typed into is finished when the focus leaves it, and would send even then.
 void emptyTable(QTableWidget *table)
 {
-    for (QLineEdit *edit : table->findChildren<QLineEdit *>())
+    const auto edits = table->findChildren<QLineEdit *>();
+    for (QLineEdit *edit : edits)
         edit->blockSignals(true);
     table->clear();
     table->setRowCount(0);

@@ -11,7 +11,7 @@ build_packages=(
   fonts-wqy-microhei fonts-dejavu-core
 )
 test_packages=(umockdev libumockdev-dev python3 binutils)
-check_packages=(git clang-format clang-tidy)
+check_packages=(git clang-format clang-tidy clazy)
 windows_packages=(g++-mingw-w64-x86-64-posix python3)
 font_packages=(fonts-urw-base35)
 

@@ -155,18 +155,18 @@ int record(const LogOptions &options)
 {
     LogRun run(options);
     int code = Done;
-    QObject::connect(&run, &LogRun::listed, [](const QStringList &devices) {
+    QObject::connect(&run, &LogRun::listed, &run, [](const QStringList &devices) {
         for (const QString &device : devices)
             std::puts(qUtf8Printable(device));
     });
-    QObject::connect(&run, &LogRun::ended,
+    QObject::connect(&run, &LogRun::ended, &run,
                      [&code](LogEnd why) { QCoreApplication::exit(code = static_cast<int>(why)); });
-    QObject::connect(&run, &LogRun::noticed, [](const QString &line) { complain(Done, line); });
+    QObject::connect(&run, &LogRun::noticed, &run, [](const QString &line) { complain(Done, line); });
     const EndSignals endSignals([&run] { run.end(); });
 
     QTimer statusTimer;
     const bool tells = hasTerminal() && !options.listsOnly;
-    QObject::connect(&statusTimer, &QTimer::timeout,
+    QObject::connect(&statusTimer, &QTimer::timeout, &run,
                      [&run] { std::fprintf(stderr, "\r\033[K%s", qUtf8Printable(run.status())); });
     if (tells)
         statusTimer.start(1s);

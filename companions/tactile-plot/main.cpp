@@ -39,7 +39,7 @@ bool readPlace(const QString &text, Options &options)
 {
     const int colon = text.lastIndexOf(QLatin1Char(':'));
     bool isNumber = false;
-    options.port = text.mid(colon + 1).toUShort(&isNumber);
+    options.port = text.midRef(colon + 1).toUShort(&isNumber);
     return isNumber && (colon < 0 || options.address.setAddress(text.left(colon)));
 }
 

@@ -5,14 +5,14 @@
 #include <array>
 #include <csignal>
 #include <fcntl.h>
-#include <memory>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
 // A signal may come in the middle of anything; all that is allowed there is to write to a pipe.
 std::array<int, 2> ends{-1, -1};
-std::unique_ptr<QSocketNotifier> notifier;
+QSocketNotifier *notifier = nullptr;
 
 constexpr std::array<int, 2> kSignals{SIGINT, SIGTERM};
 
@@ -28,8 +28,8 @@ EndSignals::EndSignals(std::function<void()> whenAsked)
 {
     if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return;
-    notifier = std::make_unique<QSocketNotifier>(ends[0], QSocketNotifier::Read);
-    QObject::connect(notifier.get(), &QSocketNotifier::activated, notifier.get(), [whenAsked] {
+    notifier = new QSocketNotifier(ends[0], QSocketNotifier::Read);
+    QObject::connect(notifier, &QSocketNotifier::activated, notifier, [whenAsked] {
         notifier->setEnabled(false);
         whenAsked();
     });
@@ -45,7 +45,7 @@ EndSignals::~EndSignals()
 {
     for (const int signal : kSignals)
         std::signal(signal, SIG_DFL);
-    notifier.reset();
+    delete std::exchange(notifier, nullptr);
     for (int &end : ends) {
         ::close(end);
         end = -1;

@@ -9,7 +9,7 @@
 class UnsupportedSetting
 {
 public:
-    explicit UnsupportedSetting(const char *name)
+    constexpr explicit UnsupportedSetting(const char *name)
         : m_name(name)
     {}
 
