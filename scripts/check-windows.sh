@@ -16,7 +16,7 @@ from pathlib import Path
 
 root = Path.cwd()
 # The bench and all that stands on it are for Linux; libusb is the provider there.
-elsewhere = re.compile(r'^(sim|demo|tests|bench)/|/libusb/|/tactile-sim/')
+elsewhere = re.compile(r'^(sim|demo|soak|tests|bench)/|/libusb/|/tactile-sim/')
 jobs = []
 for entry in json.loads((root / 'build/analyse/compile_commands.json').read_text()):
     source = Path(entry['file']).resolve().relative_to(root).as_posix()
