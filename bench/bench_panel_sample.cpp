@@ -1,26 +1,23 @@
 // Cost of a sample in the panel against bare setText on as many labels, and of a recorded row against
 // opening, appending to and closing a file, each in one run.
 
+#include "bench/compare.h"
 #include "bench/offscreen.h"
 #include "panel/fingerForm.h"
 #include "recording/SampleRecorder.h"
 #include "views/class_finger.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QVBoxLayout>
 
-#include <algorithm>
-#include <cstdio>
 #include <vector>
 
 namespace {
 
-constexpr int kRounds = 9;
 constexpr int kSamples = 400;
 constexpr uint8_t kPrg = 19;
 
@@ -44,30 +41,6 @@ QVector<uint8_t> frame(int counter)
     return bytes;
 }
 
-template<typename Work>
-double microsecondsEach(Work work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    for (int i = 0; i < kSamples; ++i) {
-        work(i);
-        QCoreApplication::processEvents();
-    }
-    return static_cast<double>(timer.nsecsElapsed()) / 1000.0 / kSamples;
-}
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-void report(const char *what, const std::vector<double> &ours, const std::vector<double> &bare)
-{
-    std::printf("%s: %.1f us against %.1f us, ratio %.2f\n", what, median(ours), median(bare),
-                median(ours) / median(bare));
-}
-
 void benchPanel(int page, const char *what)
 {
     fingerForm panel(0, 0x61);
@@ -88,17 +61,18 @@ void benchPanel(int page, const char *what)
     }
     panel.show();
     window.show();
-    std::vector<double> ours;
-    std::vector<double> bare;
-    for (int round = 0; round < kRounds; ++round) {
-        ours.push_back(microsecondsEach([&panel](int i) { panel.sl_updateData(0, 0x61, frame(i)); }));
-        bare.push_back(microsecondsEach([&](int i) {
+    compare(
+        what, kSamples,
+        [&panel](int i) {
+            panel.sl_updateData(0, 0x61, frame(i));
+            QCoreApplication::processEvents();
+        },
+        [&labels](int i) {
             const QVector<uint8_t> bytes = frame(i);
             for (size_t k = 0; k < labels.size(); ++k)
                 labels.at(k)->setText(QString::number(bytes.at(6) + static_cast<int>(k)));
-        }));
-    }
-    report(what, ours, bare);
+            QCoreApplication::processEvents();
+        });
 }
 
 void benchRecording()
@@ -115,17 +89,13 @@ void benchRecording()
     SampleRecorder recorder(folder.path(), 0, 0x61);
     const QString barePath = folder.filePath(QStringLiteral("bare"));
     const QByteArray line(90, 'x');
-    std::vector<double> ours;
-    std::vector<double> bare;
-    for (int round = 0; round < kRounds; ++round) {
-        ours.push_back(microsecondsEach([&](int) { recorder.append(decoder.sample()); }));
-        bare.push_back(microsecondsEach([&](int) {
+    compare(
+        "recorded row", kSamples, [&](int) { recorder.append(decoder.sample()); },
+        [&](int) {
             QFile file(barePath);
             if (file.open(QIODevice::Append | QIODevice::Text))
                 file.write(line);
-        }));
-    }
-    report("recorded row", ours, bare);
+        });
 }
 
 } // namespace
