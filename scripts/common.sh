@@ -12,6 +12,7 @@ build_packages=(
 )
 test_packages=(umockdev libumockdev-dev python3 binutils)
 check_packages=(git clang-format clang-tidy clazy)
+coverage_packages=(clang llvm python3)
 windows_packages=(g++-mingw-w64-x86-64-posix python3)
 font_packages=(fonts-urw-base35)
 

@@ -70,11 +70,11 @@ void sensorDebugForm::setupLooks()
     setFixedFont(ui->leCh341Write);
     setFixedFont(ui->lbChk);
     setFixedFont(ui->txtDebugLog);
-    addButtonShortcut(ui->pbtnInfConnect, Qt::CTRL + Qt::Key_O);
-    addButtonShortcut(ui->pbtnCh341Write, Qt::CTRL + Qt::Key_Return);
-    addButtonShortcut(ui->pbtnCh341Read, Qt::CTRL + Qt::Key_R);
-    addButtonShortcut(ui->pbtnCh341WR, Qt::CTRL + Qt::SHIFT + Qt::Key_Return);
-    addButtonShortcut(ui->pbtnDebugLogClear, Qt::CTRL + Qt::Key_L);
+    addButtonShortcut(ui->pbtnInfConnect, int(Qt::CTRL) + Qt::Key_O);
+    addButtonShortcut(ui->pbtnCh341Write, int(Qt::CTRL) + Qt::Key_Return);
+    addButtonShortcut(ui->pbtnCh341Read, int(Qt::CTRL) + Qt::Key_R);
+    addButtonShortcut(ui->pbtnCh341WR, int(Qt::CTRL) + Qt::SHIFT + Qt::Key_Return);
+    addButtonShortcut(ui->pbtnDebugLogClear, int(Qt::CTRL) + Qt::Key_L);
 }
 
 void sensorDebugForm::setupConnections()

@@ -50,8 +50,8 @@ void setSensorAddrForm::setupLooks()
 {
     for (QSpinBox *box : {ui->spbCurrAddrHex, ui->spbCurrAddrDec, ui->spbTarAddrHex, ui->spbTarAddrDec})
         setFixedFont(box);
-    addButtonShortcut(ui->pbtnInfConnect, Qt::CTRL + Qt::Key_O);
-    addButtonShortcut(ui->pbtnSet, Qt::CTRL + Qt::Key_Return);
+    addButtonShortcut(ui->pbtnInfConnect, int(Qt::CTRL) + Qt::Key_O);
+    addButtonShortcut(ui->pbtnSet, int(Qt::CTRL) + Qt::Key_Return);
 }
 
 void setSensorAddrForm::setupConnections()

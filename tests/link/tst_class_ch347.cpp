@@ -143,14 +143,17 @@ private Q_SLOTS:
         auto *bytes = reinterpret_cast<uint8_t *>(data.data());
         LogCapture log;
         QCOMPARE(link.read(0x61, bytes, 1), uint16_t{0});
-        QCOMPARE(log.lines().constLast(), QString::asprintf("ch347 read err:%p, 1", data.constData()));
+        QCOMPARE(log.lines().constLast(),
+                 QString::asprintf("ch347 read err:%p, 1", static_cast<const void *>(bytes)));
         openOn(link);
         log.clear();
         QCOMPARE(link.write(0x61, bytes, 0), uint16_t{0});
         QCOMPARE(link.write(0x61, bytes, 4098), uint16_t{0});
         QCOMPARE(link.read(0x61, bytes, 0), uint16_t{0});
-        QCOMPARE(log.lines()[0], QString::asprintf("ch347 write err,1, 0,%p", data.constData()));
-        QCOMPARE(log.lines()[1], QString::asprintf("ch347 write err,1, 4098,%p", data.constData()));
+        QCOMPARE(log.lines()[0],
+                 QString::asprintf("ch347 write err,1, 0,%p", static_cast<const void *>(bytes)));
+        QCOMPARE(log.lines()[1],
+                 QString::asprintf("ch347 write err,1, 4098,%p", static_cast<const void *>(bytes)));
         QCOMPARE(vendor().takeCalls(), QString());
 
         log.clear();

@@ -31,7 +31,7 @@ template<typename Value>
 Value valueAt(UMockdevIoctlData *argument)
 {
     UMockdevIoctlData *data = umockdev_ioctl_data_resolve(argument, 0, sizeof(Value), nullptr);
-    Value value = {};
+    Value value;
     std::memcpy(&value, data->data, sizeof value);
     umockdev_ioctl_data_unref(data);
     return value;
