@@ -4,23 +4,12 @@
 #include "panel/fingerForm.h"
 #include "recording/SampleRecorder.h"
 #include "recording/recording_folder.h"
+#include "soak/signal_hooks.h"
 
 #include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QMetaMethod>
-
-/// Hooks of QtCore for tools that watch signals; exported, but declared in no public header.
-struct QSignalSpyCallbackSet
-{
-    using BeginCallback = void (*)(QObject *caller, int signalOrMethodIndex, void **arguments);
-    using EndCallback = void (*)(QObject *caller, int signalOrMethodIndex);
-    BeginCallback signalBegin;
-    BeginCallback slotBegin;
-    EndCallback signalEnd;
-    EndCallback slotEnd;
-};
-void Q_CORE_EXPORT qt_register_signal_spy_callbacks(QSignalSpyCallbackSet *callbacks);
 
 namespace {
 

@@ -6,6 +6,12 @@
 /// What the fuzzers do with one input; ends the process when something that must hold does not. All need a
 /// VirtualTime dispatcher and an application object.
 
+/// Takes the input for a sample frame of the model that its first byte chooses, and for any frame.
+void fuzzFrame(const uint8_t *input, std::size_t size);
+
+/// Has the input cut into the packets of both bridges, and counts what they will answer.
+void fuzzPacket(const uint8_t *input, std::size_t size);
+
 /// Parses the input as Intel HEX text.
 void fuzzHexToBin(const uint8_t *input, std::size_t size);
 

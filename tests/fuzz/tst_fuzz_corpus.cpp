@@ -13,7 +13,9 @@ class tst_fuzz_corpus : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void frame() { replay(QStringLiteral("frame"), fuzzFrame); }
     void hexToBin() { replay(QStringLiteral("hex_to_bin"), fuzzHexToBin); }
+    void packet() { replay(QStringLiteral("packet"), fuzzPacket); }
     void recording() { replay(QStringLiteral("recording"), fuzzRecording); }
     void stream() { replay(QStringLiteral("stream"), fuzzStream); }
     void ymodem() { replay(QStringLiteral("ymodem"), fuzzYmodem); }

@@ -3,22 +3,12 @@
 // argument for a race. Two hooks of Qt tell it: whatever a thread did before it emitted a signal comes before
 // what another thread does once a queued call reaches it.
 
+#include "soak/signal_hooks.h"
+
 #include <QEvent>
 #include <QObject>
 
 #include <sanitizer/tsan_interface.h>
-
-/// Hooks of QtCore for tools that watch signals; exported, but declared in no public header.
-struct QSignalSpyCallbackSet
-{
-    using BeginCallback = void (*)(QObject *caller, int signalOrMethodIndex, void **arguments);
-    using EndCallback = void (*)(QObject *caller, int signalOrMethodIndex);
-    BeginCallback signalBegin;
-    BeginCallback slotBegin;
-    EndCallback signalEnd;
-    EndCallback slotEnd;
-};
-void Q_CORE_EXPORT qt_register_signal_spy_callbacks(QSignalSpyCallbackSet *callbacks);
 
 namespace {
 
