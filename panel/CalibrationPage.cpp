@@ -94,7 +94,8 @@ CalibrationPage::CalibrationPage(Ui::fingerForm &ui, RequestPort &port, ChannelT
     , m_port(port)
     , m_channels(channels)
 {
-    ui.tbwCaliTable->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    for (QHeaderView *header : {ui.tbwCaliTable->horizontalHeader(), ui.tbwCaliTable->verticalHeader()})
+        header->setSectionResizeMode(QHeaderView::ResizeToContents);
     for (QTableWidget *table : {ui.tbwCaliCh, ui.tbwCaliChGroup, ui.tbwCaliMaxAuto})
         stretchHeaders(table, true);
     connect(ui.pbtnCaliRefresh, &QAbstractButton::clicked, this, &CalibrationPage::refresh);

@@ -92,8 +92,8 @@ void Ledger::takeRecordings()
         take(folder.filePath(name));
 }
 
-// A line is whole when it begins with a time and a counter and has a line end, and when it is as wide as the
-// one before: the heading is one column short of it.
+// A line is whole when it begins with a time and a counter, has a line end, and one field more than the
+// heading. A heading without columns tells nothing: it was written before the first good frame came.
 void Ledger::take(const QString &path)
 {
     QFile file(path);
@@ -103,7 +103,8 @@ void Ledger::take(const QString &path)
     const int width = file.readLine().count(',') + 1;
     while (!file.atEnd()) {
         const QByteArray line = file.readLine();
-        const bool whole = line.count(',') == width && line.indexOf(',') == 13 && line.endsWith('\n');
+        const bool fits = width == 1 || line.count(',') == width;
+        const bool whole = fits && line.indexOf(',') == 13 && line.endsWith('\n');
         ++(whole ? m_counts.recorded : m_counts.broken);
         if (!whole && m_counts.firstBroken.isEmpty())
             m_counts.firstBroken = QStringLiteral("%1, beside a heading of %2 fields: %3")

@@ -16,9 +16,9 @@ constexpr auto kStallLimit = 100ms;
 constexpr int kHandlesMore = 2;
 
 #if defined(__SANITIZE_ADDRESS__)
-constexpr bool kMemoryCounts = false; // freed memory is kept for a while
+constexpr bool kCostCounts = false; // it keeps freed memory for a while, and is slow
 #else
-constexpr bool kMemoryCounts = true;
+constexpr bool kCostCounts = true;
 #endif
 
 void row(const char *what, const QString &value)
@@ -85,9 +85,9 @@ bool SoakReport::print(const SoakCounts &counts) const
             QStringLiteral("%1 recorded lines are broken; %2").arg(counts.broken).arg(counts.firstBroken);
     if (torn > 0)
         faults += QStringLiteral("%1 torn TCP records").arg(torn);
-    if (kMemoryCounts && early > 0 && late - early > kGrowthKiB)
+    if (kCostCounts && early > 0 && late - early > kGrowthKiB)
         faults += QStringLiteral("memory has grown by %1 KiB").arg(late - early);
-    if (stall > kStallLimit + stallOfMachine)
+    if (kCostCounts && stall > kStallLimit + stallOfMachine)
         faults += QStringLiteral("the window stood still for %1 ms").arg(stall.count());
     if (last.handles > first.handles + kHandlesMore || last.threads > first.threads + kHandlesMore)
         faults += QStringLiteral("handles or threads are left");
