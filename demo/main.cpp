@@ -101,7 +101,8 @@ std::optional<int> parse(int argc, char **argv, Options &options)
     }
     options = {parser.value(tour), parser.value(language)};
     if (!parser.positionalArguments().isEmpty())
-        return refuse(QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
+        return refuse(
+            QStringLiteral("Unexpected argument '%1'.").arg(parser.positionalArguments().constFirst()));
     if (parser.isSet(language) && options.language != QLatin1String("en") &&
         options.language != QLatin1String("zh_cn"))
         return refuse(QStringLiteral("Unknown language '%1'.").arg(options.language));

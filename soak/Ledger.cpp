@@ -99,7 +99,6 @@ void Ledger::take(const QString &path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return;
-    ++m_counts.files;
     const int width = file.readLine().count(',') + 1;
     while (!file.atEnd()) {
         const QByteArray line = file.readLine();

@@ -20,7 +20,6 @@ struct SoakCounts
     qint64 recorded = 0; ///< lines in the recordings, headings left out
     qint64 broken = 0;   ///< lines that are none
     QString firstBroken;
-    int files = 0;
 };
 
 /// Keeps the books of a soak: watches the signals between worker and panels, reads the recordings, hears the

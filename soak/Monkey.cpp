@@ -200,6 +200,7 @@ void Monkey::openPanel()
 void Monkey::tidyUp()
 {
     child<QTabWidget>("tabWidget")->setCurrentIndex(0);
+    child<QAbstractButton>("pbtnDebugLogClear")->click();
     for (const char *name : {"pbtnCh341Connect", "pbtnServiceConnect"}) {
         auto *button = child<QAbstractButton>(name);
         if (button->text() == QObject::tr("断开"))

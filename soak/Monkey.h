@@ -31,7 +31,7 @@ public:
 
     Monkey(QWidget *window, Chance &chance, const MonkeyHabits &habits);
 
-    /// Lets go of everything: no link, no connection, first tab.
+    /// Lets go of everything: no link, no connection, no log, first tab.
     void tidyUp();
     void setRestless(bool restless) { m_habits.restless = restless; }
 

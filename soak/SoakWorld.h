@@ -27,7 +27,6 @@ public:
     /// sensors go on erring.
     void setTrouble(bool on);
 
-    SimSerialBus &line() { return m_line; }
     int pulls() const { return m_pulls; }
     int disksFilled() const { return m_disksFilled; }
 

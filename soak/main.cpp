@@ -30,8 +30,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr auto kBookInterval = 5s;
-/// Sensors, sockets and panels are gone after that when nobody is at the window any more.
+/// Sensors, sockets and panels are gone after that when everything has been let go.
 constexpr auto kTidyTime = 4s;
+constexpr auto kFirstWeighing = 60s;
 constexpr auto kSettleTime = 2s;
 constexpr std::size_t kLinesKept = 300;
 
@@ -56,8 +57,7 @@ public:
     void hear(QtMsgType type, const QString &message);
 
 private:
-    void noteVitals();
-    void end();
+    void weigh(Monkey *monkey);
 
     Options m_options;
     QTemporaryDir m_folder;
@@ -67,8 +67,7 @@ private:
     Ledger m_ledger;
     LoopWatch m_loop;
     std::vector<Vitals> m_vitals;
-    Vitals m_last;
-    Clock::time_point m_end;
+    std::deque<Clock::time_point> m_weighings; ///< that are still to come; the last one ends the soak
     bool m_ended = false;
     QMutex m_mutex; // guards the lines
     std::deque<QString> m_lines;
@@ -85,7 +84,8 @@ Soak::Soak(const Options &options)
     : m_options(options)
     , m_chance(options.seed)
     , m_world(options.seed)
-    , m_end(Clock::now() + options.duration)
+    , m_weighings{Clock::now() + std::min<Clock::duration>(kFirstWeighing, options.duration / 4),
+                  Clock::now() + options.duration / 2, Clock::now() + options.duration}
 {
     for (const char *place : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_RUNTIME_DIR"})
         qputenv(place, m_folder.path().toLocal8Bit());
@@ -109,7 +109,6 @@ int Soak::run()
     report.link = m_options.link;
     report.duration = m_options.duration;
     report.vitals = m_vitals;
-    report.last = m_last;
     report.pulls = m_world.pulls();
     report.disksFilled = m_world.disksFilled();
     report.sent = m_peer->records();
@@ -137,35 +136,33 @@ void Soak::takeWindow(QWidget *window)
     m_loop.watchFor(window);
     m_world.setTrouble(true);
     if (m_vitals.empty())
-        QTimer::singleShot(kSettleTime, window, [this] { noteVitals(); });
+        QTimer::singleShot(kSettleTime, window, [this] { m_vitals.push_back(takeVitals()); });
     auto *books = new QTimer(window);
-    QObject::connect(books, &QTimer::timeout, window, [this, monkey, window] {
+    QObject::connect(books, &QTimer::timeout, window, [this, monkey] {
         m_ledger.takeRecordings();
-        if (Clock::now() < m_end)
-            return noteVitals();
-        if (m_ended)
-            return;
-        m_ended = true;
-        monkey->setRestless(false);
-        QTimer::singleShot(kTidyTime / 2, window, [this, monkey] {
-            m_world.setTrouble(false);
-            monkey->tidyUp();
-        });
-        QTimer::singleShot(kTidyTime, window, [this] { end(); });
+        if (!m_weighings.empty() && Clock::now() >= m_weighings.front())
+            weigh(monkey);
     });
     books->start(kBookInterval);
 }
 
-void Soak::noteVitals()
+// What panels, sockets and the debug tab's log hold is given back first.
+void Soak::weigh(Monkey *monkey)
 {
-    m_vitals.push_back(takeVitals());
-}
-
-void Soak::end()
-{
-    m_ledger.takeRecordings();
-    m_last = takeVitals();
-    QCoreApplication::quit();
+    m_weighings.pop_front();
+    m_world.setTrouble(false);
+    monkey->setRestless(false);
+    monkey->tidyUp();
+    QTimer::singleShot(kTidyTime, monkey, [this, monkey] {
+        m_ledger.takeRecordings();
+        m_vitals.push_back(takeVitals());
+        if (m_weighings.empty()) {
+            m_ended = true;
+            return QCoreApplication::quit();
+        }
+        m_world.setTrouble(true);
+        monkey->setRestless(true);
+    });
 }
 
 void Soak::hear(QtMsgType type, const QString &message)

@@ -4,7 +4,6 @@
 
 #include <QStringList>
 
-#include <algorithm>
 #include <cstdio>
 
 using namespace std::chrono_literals;
@@ -31,29 +30,19 @@ void row(const char *what, qint64 value)
     row(what, QString::number(value));
 }
 
-/// The least memory from one share of the run to another: what panels come and go with is left out.
-qint64 leastMemory(const std::vector<Vitals> &vitals, double from, double to)
+/// One of the numbers of all weighings.
+QString course(const std::vector<Vitals> &vitals, qint64 (*number)(const Vitals &))
 {
-    const auto at = [&vitals](double share) {
-        return vitals.begin() + static_cast<long>(share * static_cast<double>(vitals.size()));
-    };
-    if (at(from) == at(to))
-        return 0;
-    return std::min_element(at(from), at(to),
-                            [](const Vitals &a, const Vitals &b) { return a.memoryKiB < b.memoryKiB; })
-        ->memoryKiB;
+    QStringList numbers;
+    for (const Vitals &each : vitals)
+        numbers += QString::number(number(each));
+    return numbers.join(QStringLiteral(", "));
 }
 
 } // namespace
 
 bool SoakReport::print(const SoakCounts &counts) const
 {
-    const double minute = std::min(1.0, 60.0 / static_cast<double>(duration.count()));
-    const qint64 early = leastMemory(vitals, minute, std::min(1.0, minute * 3));
-    const qint64 half = leastMemory(vitals, 0.4, 0.6);
-    const qint64 late = leastMemory(vitals, 1.0 - std::min(0.5, 2 * minute), 1.0);
-    const Vitals first = vitals.empty() ? Vitals() : vitals.front();
-
     std::printf("%s, %lld s:\n", qUtf8Printable(link), static_cast<long long>(duration.count()));
     row("samples made by known sensors", counts.made);
     row("samples taken by the worker", counts.arrived);
@@ -71,10 +60,13 @@ bool SoakReport::print(const SoakCounts &counts) const
         QStringLiteral("%1 ms (after \"%2\")").arg(stall.count()).arg(stallAfter));
     row("  where a rule makes it wait", QStringLiteral("%1 ms").arg(stallByRule.count()));
     row("  of a bare thread beside it", QStringLiteral("%1 ms").arg(stallOfMachine.count()));
-    row("memory at start, early, half, late",
-        QStringLiteral("%1, %2, %3, %4 KiB").arg(first.memoryKiB).arg(early).arg(half).arg(late));
-    row("file handles at start and end", QStringLiteral("%1, %2").arg(first.handles).arg(last.handles));
-    row("threads at start and end", QStringLiteral("%1, %2").arg(first.threads).arg(last.threads));
+    // The second weighing is the first one after all kinds of panels and tabs have been made once.
+    const Vitals early = vitals.size() > 1 ? vitals.at(1) : Vitals();
+    const Vitals late = vitals.empty() ? Vitals() : vitals.back();
+    row("memory at start, after a minute, half, end",
+        course(vitals, [](const Vitals &each) { return each.memoryKiB; }) + QStringLiteral(" KiB"));
+    row("file handles", course(vitals, [](const Vitals &each) { return qint64{each.handles}; }));
+    row("threads", course(vitals, [](const Vitals &each) { return qint64{each.threads}; }));
 
     QStringList faults;
     if (counts.recorded + counts.toldLost != counts.wanted)
@@ -85,11 +77,11 @@ bool SoakReport::print(const SoakCounts &counts) const
             QStringLiteral("%1 recorded lines are broken; %2").arg(counts.broken).arg(counts.firstBroken);
     if (torn > 0)
         faults += QStringLiteral("%1 torn TCP records").arg(torn);
-    if (kCostCounts && early > 0 && late - early > kGrowthKiB)
-        faults += QStringLiteral("memory has grown by %1 KiB").arg(late - early);
+    if (kCostCounts && late.memoryKiB - early.memoryKiB > kGrowthKiB)
+        faults += QStringLiteral("memory has grown by %1 KiB").arg(late.memoryKiB - early.memoryKiB);
     if (kCostCounts && stall > kStallLimit + stallOfMachine)
         faults += QStringLiteral("the window stood still for %1 ms").arg(stall.count());
-    if (last.handles > first.handles + kHandlesMore || last.threads > first.threads + kHandlesMore)
+    if (late.handles > early.handles + kHandlesMore || late.threads > early.threads + kHandlesMore)
         faults += QStringLiteral("handles or threads are left");
     if (counts.delivered == 0)
         faults += QStringLiteral("no sample has come");

@@ -14,8 +14,8 @@ struct SoakReport
 {
     QString link;
     std::chrono::seconds duration{0};
-    std::vector<Vitals> vitals; ///< at regular intervals, the first one before anything happened
-    Vitals last;                ///< after everything was let go
+    /// At the start, after a minute, at half time and at the end, each time with everything let go.
+    std::vector<Vitals> vitals;
     int pulls = 0;
     int disksFilled = 0;
     qint64 sent = 0; ///< records that the TCP peer read whole
