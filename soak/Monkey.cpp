@@ -10,6 +10,7 @@ namespace {
 
 constexpr int kStepsOfPlay = 300; // on average
 constexpr int kStepsOfRest = 800;
+constexpr int kStepsOfHabit = 20; ///< while it rests
 
 } // namespace
 
@@ -34,6 +35,7 @@ Monkey::Monkey(QWidget *window, Chance &chance, const MonkeyHabits &habits)
     child<QWidget>("cbbTcpDataFormat")->setEnabled(false);
     child<QWidget>("pbtnOpenSaveDir")->setEnabled(false);
     connect(&m_timer, &QTimer::timeout, this, &Monkey::step);
+    setRestless(true);
     m_timer.start(kStep);
 }
 
@@ -43,12 +45,16 @@ void Monkey::step()
     QWidget *top = QApplication::activePopupWidget();
     if (top == nullptr)
         top = QApplication::activeModalWidget();
-    if (auto *dialog = qobject_cast<QFileDialog *>(top))
+    if (!m_restless) {
+        if (top != nullptr)
+            top->close();
+    } else if (auto *dialog = qobject_cast<QFileDialog *>(top)) {
         answer(dialog);
-    else if (top != nullptr && !m_habits.restless)
-        top->close();
-    else if (m_rest == 0 && m_habits.restless)
+    } else if (m_rest == 0) {
         play(top == nullptr ? m_window : top);
+    } else if (top == nullptr && m_rest % kStepsOfHabit == 0) {
+        queue(m_window, [this](QWindow *) { followHabits(); });
+    }
 }
 
 // A file dialog can delete files, so it gets an answer and nothing else.
@@ -171,7 +177,7 @@ void Monkey::followHabits()
         interfaces->setCurrentIndex(m_habits.interface);
     } else if (link->text() == QObject::tr("连接") && child<QComboBox>("cbbCh341List")->count() > 0) {
         note("connect");
-        m_rest = 100 + m_chance.draw(200);
+        m_rest = std::max(m_rest, 100 + m_chance.draw(200));
         link->click();
     } else if (plot->text() == QObject::tr("连接") && m_chance.oneIn(20)) {
         plot->click();
@@ -206,6 +212,12 @@ void Monkey::tidyUp()
         if (button->text() == QObject::tr("断开"))
             button->click();
     }
+}
+
+void Monkey::setRestless(bool restless)
+{
+    m_restless = restless;
+    m_rest = kStepsOfRest; // samples first
 }
 
 void Monkey::note(const QByteArray &line) const

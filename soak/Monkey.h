@@ -18,7 +18,6 @@ struct MonkeyHabits
     int interface = 0;    ///< entry of the interface box that it comes back to
     quint16 plotPort = 0; ///< where the samples are sent to, on this machine
     QString image;        ///< a firmware file
-    bool restless = true; ///< false: only the habits, no play
 };
 
 /// Acts on one window as fast as it follows: presses, types, turns the wheel, through the queue of the window
@@ -33,7 +32,8 @@ public:
 
     /// Lets go of everything: no link, no connection, no log, first tab.
     void tidyUp();
-    void setRestless(bool restless) { m_habits.restless = restless; }
+    /// A monkey that is not restless does nothing but close boxes.
+    void setRestless(bool restless);
 
 private:
     template<typename Child>
@@ -58,5 +58,6 @@ private:
     MonkeyHabits m_habits;
     QTimer m_timer;
     QPoint m_spot;
+    bool m_restless = true;
     int m_rest = 0; ///< steps
 };
