@@ -14,7 +14,7 @@ LLVM_PROFILE_FILE=$profiles/%p.profraw ctest --preset clang -j "$jobs" --quiet
 say "Lines that the tests reach"
 llvm-profdata merge -sparse "$profiles"/*.profraw -o "$profiles/all.profdata"
 python3 - <<'PYTHON'
-import json, subprocess
+import json, os, subprocess
 from collections import defaultdict
 from pathlib import Path
 
@@ -26,7 +26,7 @@ export = subprocess.run(
     stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=True)
 folders = defaultdict(lambda: [0, 0])
 for file in json.loads(export.stdout)['data'][0]['files']:
-    path = Path(file['filename'])
+    path = Path(os.path.normpath(root / 'build/clang' / file['filename']))
     if root in path.parents and (root / 'build') not in path.parents:
         folder = folders[path.relative_to(root).parent.as_posix()]
         folder[0] += file['summary']['lines']['covered']
