@@ -83,7 +83,7 @@ void benchRecords(const QByteArray &bytes)
     Decoder decoder;
     decoder.parseData(bytes);
     QStringList texts;
-    for (const QString &text : decoder.dataList)
+    for (const QString &text : qAsConst(decoder.dataList))
         texts += text;
     QByteArray record;
     const auto join = [&](int) { record = texts.join(QLatin1Char(',')).toLatin1(); };
