@@ -2,7 +2,7 @@
 
 #include "tests/update/VirtualTime.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 
 /// The application that a fuzzer runs in, made at the first call: silent, on a time of its own.
 inline void fuzzWorld()
@@ -13,7 +13,8 @@ inline void fuzzWorld()
         static char *argv[] = {name, nullptr};
         qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
         VirtualTime::install();
-        new QCoreApplication(argc, argv); // lives as long as the process
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        new QApplication(argc, argv); // lives as long as the process
         return true;
     }();
     Q_UNUSED(isMade)

@@ -4,7 +4,7 @@
 #include "tests/support/log_capture.h"
 #include "tests/update/VirtualTime.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QtTest>
 
@@ -13,11 +13,15 @@ class tst_fuzz_corpus : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void devicePath() { replay(QStringLiteral("device_path"), fuzzDevicePath); }
     void frame() { replay(QStringLiteral("frame"), fuzzFrame); }
     void hexToBin() { replay(QStringLiteral("hex_to_bin"), fuzzHexToBin); }
     void packet() { replay(QStringLiteral("packet"), fuzzPacket); }
+    void panel() { replay(QStringLiteral("panel"), fuzzPanel); }
     void recording() { replay(QStringLiteral("recording"), fuzzRecording); }
+    void settings() { replay(QStringLiteral("settings"), fuzzSettings); }
     void stream() { replay(QStringLiteral("stream"), fuzzStream); }
+    void worker() { replay(QStringLiteral("worker"), fuzzWorker); }
     void ymodem() { replay(QStringLiteral("ymodem"), fuzzYmodem); }
 
 private:
@@ -39,7 +43,7 @@ private:
 int main(int argc, char *argv[])
 {
     VirtualTime::install();
-    const QCoreApplication application(argc, argv);
+    const QApplication application(argc, argv);
     tst_fuzz_corpus test;
     return QTest::qExec(&test, argc, argv);
 }

@@ -3,6 +3,7 @@
 #include <QStringList>
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -21,6 +22,9 @@ struct FakeAnswers
     uint8_t gpioDirection = 0;
     uint8_t gpioLevels = 0;
     uint8_t nextByte = 0; ///< next byte that a read delivers
+    bool listens = true;  ///< writes calls down
+    /// Fills what a read delivers, instead of counting on from nextByte.
+    std::function<void(uint8_t *buffer, uint32_t length)> deliver;
 };
 
 /// The bridge operations of these tests: writes down what it is asked, answers what the test has set. One for

@@ -6,6 +6,9 @@
 
 #include <QSignalSpy>
 
+#include <algorithm>
+#include <climits>
+
 /// A sender whose every signal is noted, on virtual time. The test plays the receiver, or the bench's boot
 /// loader does.
 class SenderBench
@@ -18,15 +21,17 @@ public:
         QObject::connect(&sender, &class_ymodem::si_write, &sender, [this, loader](const QByteArray &pack) {
             writes.append(pack);
             writesAtMs.append(VirtualTime::current().nowMs() - m_madeAtMs);
-            if (loader != nullptr && loader->isActive(now()))
-                loader->receiveMessage(pack, now());
+            if (loader != nullptr)
+                deliver(pack.left(bytesUntilCut), *loader);
+            bytesUntilCut = std::max(0, bytesUntilCut - pack.size());
             sender.sl_writeSuccess();
         });
         QObject::connect(&sender, &class_ymodem::si_read, &sender, [this, loader](uint16_t len) {
             readLengths.append(len);
             if (loader != nullptr)
-                sender.sl_received1(isSerial ? loader->takeDue(now())
-                                             : QByteArray(1, loader->readByte(now())));
+                sender.sl_received1(bytesUntilCut == 0 ? silence
+                                    : isSerial         ? loader->takeDue(now())
+                                                       : QByteArray(1, loader->readByte(now())));
         });
         QObject::connect(&sender, &class_ymodem::si_setProgress, &sender,
                          [this](uint8_t percent) { progress.append(percent); });
@@ -63,7 +68,9 @@ public:
     }
 
     class_ymodem sender;
-    bool isSerial = false; ///< a read takes all that is due instead of one byte
+    bool isSerial = false;       ///< a read takes all that is due instead of one byte
+    int bytesUntilCut = INT_MAX; ///< that still reach the boot loader; nothing comes back then
+    QByteArray silence;          ///< what is read from a cut link
     QSignalSpy successes{&sender, &class_ymodem::si_updateSuccess};
     QSignalSpy timeouts{&sender, &class_ymodem::si_updateTimeout};
     QSignalSpy cancels{&sender, &class_ymodem::si_updateCancel};
@@ -73,6 +80,13 @@ public:
     QList<int> progress;
 
 private:
+    void deliver(const QByteArray &bytes, SimBootLoader &loader) const
+    {
+        if (isSerial)
+            loader.receiveStream(bytes, now());
+        else if (!bytes.isEmpty() && loader.isActive(now()))
+            loader.receiveMessage(bytes, now());
+    }
     static SimTime now() { return SimTime(std::chrono::milliseconds(VirtualTime::current().nowMs())); }
 
     const qint64 m_madeAtMs = VirtualTime::current().nowMs();

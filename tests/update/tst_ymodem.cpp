@@ -324,6 +324,34 @@ private Q_SLOTS:
             }
         }
     }
+    void cutAtEveryByte_data()
+    {
+        QTest::addColumn<bool>("isSerial");
+        QTest::addColumn<QByteArray>("silence");
+        QTest::newRow("CH341") << false << hex("FF");
+        QTest::newRow("CH347") << false << QByteArray();
+        QTest::newRow("serial") << true << QByteArray();
+    }
+    void cutAtEveryByte()
+    {
+        QFETCH(bool, isSerial);
+        QFETCH(QByteArray, silence);
+        constexpr int allBytes = 136 + 1032 + 136 + 4 + 136; // header, two blocks, end, empty header
+        for (int bytes = 0; bytes <= allBytes; ++bytes) {
+            SimBootLoader loader;
+            SenderBench cut(pattern(1030), &loader);
+            cut.isSerial = isSerial;
+            cut.bytesUntilCut = bytes;
+            cut.silence = silence;
+            QVERIFY(cut.runToEnd());
+            QCOMPARE(cut.timeouts.count(), 1);
+            SenderBench next(pattern(1030), &loader);
+            next.isSerial = isSerial;
+            QVERIFY(next.runToEnd());
+            QVERIFY2(next.successes.count() == 1, qPrintable(QString::number(bytes)));
+            QVERIFY(loader.image() == pattern(1030));
+        }
+    }
 
 private:
     std::unique_ptr<LogCapture> m_log;
