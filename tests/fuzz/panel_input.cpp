@@ -64,10 +64,7 @@ fingerForm &panelOf(uint8_t prg)
 void tell(fingerForm &panel, uint8_t prg, FuzzBytes &input)
 {
     const uint8_t choice = input.byte();
-    if (choice == 0xFF) {
-        panel.sl_reset(0, kAddress);
-        attach(panel, prg);
-    } else if (choice >= 0xE0) {
+    if (choice >= 0xE0) {
         const uint8_t hz = input.byte();
         panel.sl_setHz(0, kAddress, hz, choice);
     } else if (choice >= 0x80) {
@@ -92,6 +89,11 @@ void fuzzPanel(const uint8_t *input, std::size_t size)
     const uint8_t prg = kPrograms.at(input[0] % kPrograms.size());
     fingerForm &panel = panelOf(prg);
     FuzzBytes bytes(input + 1, size - 1);
+    // Takes much longer than all the rest.
+    if (input[0] == 0xFF) {
+        panel.sl_reset(0, kAddress);
+        attach(panel, prg);
+    }
     while (!bytes.isAtEnd())
         tell(panel, prg, bytes);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -65,8 +65,12 @@ public:
 
     void run(VirtualTime &time)
     {
+        const auto end = [this] { m_ended = true; };
+        QObject::connect(&m_sender, &class_ymodem::si_updateSuccess, &m_sender, end);
+        QObject::connect(&m_sender, &class_ymodem::si_updateTimeout, &m_sender, end);
+        QObject::connect(&m_sender, &class_ymodem::si_updateCancel, &m_sender, end);
         m_sender.update_start();
-        while (m_next != m_end && time.step())
+        while (m_next != m_end && !m_ended && time.step())
             fuzzCheck(m_percent <= 100, "at most 100 percent");
     }
 
@@ -128,6 +132,7 @@ private:
     class_ymodem m_sender;
     unsigned m_percent = 0;
     bool m_losesCompletion = false;
+    bool m_ended = false;
 };
 
 } // namespace
