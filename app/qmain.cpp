@@ -2,8 +2,11 @@
 
 #include "app/Widget.h"
 #include "app/class_settings.h"
+#include "recording/recording_folder.h"
 
 #include <QApplication>
+#include <QDir>
+#include <QIcon>
 #include <QTranslator>
 
 namespace {
@@ -27,9 +30,17 @@ void loadTranslation(QTranslator &translator)
 
 int qMain(int argc, char **argv)
 {
+    qDebug("tactile-host " TACTILE_VERSION);
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
+    const QString place = QCoreApplication::applicationDirPath();
+    if (!canRecord(place))
+        qDebug("recordings cannot be written: %s is not writable",
+               qUtf8Printable(QDir::toNativeSeparators(place)));
+    // The picture of the installed program; without one the system shows its own.
+    QApplication::setWindowIcon(
+        QIcon(place + QStringLiteral("/../share/icons/hicolor/128x128/apps/tactile-host.png")));
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
 
     // Resources of a static library stay out of the program unless something asks for them.

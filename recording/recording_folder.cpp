@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
+#include <QTemporaryFile>
 
 QString recordingFolder()
 {
@@ -11,6 +12,16 @@ QString recordingFolder()
     if (!beside.exists(name))
         beside.mkdir(name);
     return QDir::toNativeSeparators(beside.filePath(name));
+}
+
+bool canRecord(const QString &place)
+{
+    const QDir beside(place);
+    const QString name = QStringLiteral("data");
+    // Only an attempt tells: permissions say nothing of a medium that is read-only or full.
+    QTemporaryFile file(
+        beside.filePath(beside.exists(name) ? name + QLatin1String("/XXXXXX") : QStringLiteral("XXXXXX")));
+    return file.open();
 }
 
 QString recordingName(const QString &folder, uint8_t infIdx, uint8_t addr, const QString &extension)

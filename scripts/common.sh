@@ -10,7 +10,7 @@ build_packages=(
   libqwt-qt5-dev
   fonts-wqy-microhei fonts-dejavu-core
 )
-test_packages=(umockdev libumockdev-dev python3 binutils)
+test_packages=(umockdev libumockdev-dev python3 binutils desktop-file-utils appstream)
 check_packages=(git clang-format clang-tidy clazy)
 coverage_packages=(clang llvm python3)
 windows_packages=(g++-mingw-w64-x86-64-posix python3)

@@ -124,6 +124,9 @@ private Q_SLOTS:
         });
 
         QCOMPARE(status, 42);
+        QVERIFY(QRegularExpression(QStringLiteral("^tactile-host \\d+\\.\\d+\\.\\d+$"))
+                    .match(log.lines().constFirst())
+                    .hasMatch());
         QCOMPARE(texts.join(QLatin1Char(' ')),
                  english ? QStringLiteral("Sensor Sensor Update Address Debug")
                          : QStringLiteral("触觉传感器上位机 显示 固件更新 地址设置 调试"));

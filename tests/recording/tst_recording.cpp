@@ -2,6 +2,7 @@
 
 #include "protocol/sample.h"
 #include "recording/SampleRecorder.h"
+#include "recording/recording_folder.h"
 #include "tests/support/log_capture.h"
 
 #include <QDir>
@@ -138,6 +139,16 @@ private Q_SLOTS:
         QCOMPARE(bench.log.count(QStringLiteral("文件夹打开失败")), 2);
         QVERIFY(bench.recorder.append(sample(3)));
         QCOMPARE(lines(bench.file()).mid(2), QList<QByteArray>{"3," + kValues});
+    }
+
+    void triesWhereRecordingsGo()
+    {
+        const QTemporaryDir folder;
+        QVERIFY(canRecord(folder.path()));
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("data")));
+        QVERIFY(canRecord(folder.path()));
+        QCOMPARE(QDir(folder.filePath(QStringLiteral("data"))).count(), 2U); // nothing is left in it
+        QVERIFY(!canRecord(QStringLiteral("/proc/self"))); // not even by root
     }
 };
 
