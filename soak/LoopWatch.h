@@ -6,12 +6,14 @@
 
 #include <atomic>
 #include <chrono>
+#include <pthread.h>
 #include <thread>
 
 /// Watches how long the event loop of the window stands still, beside a bare thread of the same machine.
 ///
 /// Some acts make the window wait by rule: the end of a worker, a link that opens, a TCP peer that does not
-/// answer. They are known by their log lines, and a stall in which one was heard is kept apart.
+/// answer. They are known by their log lines, and a stall in which one was heard is kept apart. For any other
+/// that is too long the standard error says where the window stands; addr2line makes lines of it.
 class LoopWatch
 {
 public:
@@ -40,6 +42,7 @@ private:
     void watchMachine();
 
     const std::thread::id m_owner = std::this_thread::get_id();
+    const pthread_t m_ownerThread = ::pthread_self();
     std::atomic<Clock::rep> m_last{0};
     std::atomic<bool> m_ruleHeard{false};
     QString m_lastHeard;

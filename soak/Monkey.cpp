@@ -11,6 +11,7 @@ namespace {
 constexpr int kStepsOfPlay = 300; // on average
 constexpr int kStepsOfRest = 800;
 constexpr int kStepsOfHabit = 20; ///< while it rests
+constexpr int kPatience = 5;
 
 } // namespace
 
@@ -23,6 +24,7 @@ Child *Monkey::child(const char *name) const
 Monkey::Monkey(QWidget *window, Chance &chance, const MonkeyHabits &habits)
     : QObject(window)
     , m_window(window)
+    , m_size(window->size())
     , m_chance(chance)
     , m_habits(habits)
 {
@@ -34,6 +36,12 @@ Monkey::Monkey(QWidget *window, Chance &chance, const MonkeyHabits &habits)
     child<QWidget>("spbServicePort")->setEnabled(false);
     child<QWidget>("cbbTcpDataFormat")->setEnabled(false);
     child<QWidget>("pbtnOpenSaveDir")->setEnabled(false);
+    // The list of a box and its picture stay once it has been open.
+    const auto boxes = window->findChildren<QComboBox *>();
+    for (QComboBox *box : boxes) {
+        box->showPopup();
+        box->hidePopup();
+    }
     connect(&m_timer, &QTimer::timeout, this, &Monkey::step);
     setRestless(true);
     m_timer.start(kStep);
@@ -176,8 +184,13 @@ void Monkey::followHabits()
     } else if (interfaces->currentIndex() != m_habits.interface) {
         interfaces->setCurrentIndex(m_habits.interface);
     } else if (link->text() == QObject::tr("连接") && child<QComboBox>("cbbCh341List")->count() > 0) {
-        note("connect");
         m_rest = std::max(m_rest, 100 + m_chance.draw(200));
+        if (++m_connects % kPatience == 0) {
+            // A CH347 that was away when the tab was entered is listed when it is entered again.
+            tabs->setCurrentIndex(1);
+            return;
+        }
+        note("connect");
         link->click();
     } else if (plot->text() == QObject::tr("连接") && m_chance.oneIn(20)) {
         plot->click();
@@ -205,6 +218,8 @@ void Monkey::openPanel()
 
 void Monkey::tidyUp()
 {
+    // The picture of a larger window is larger.
+    m_window->resize(m_size);
     child<QTabWidget>("tabWidget")->setCurrentIndex(0);
     child<QAbstractButton>("pbtnDebugLogClear")->click();
     for (const char *name : {"pbtnCh341Connect", "pbtnServiceConnect"}) {

@@ -54,6 +54,8 @@ private:
     void note(const QByteArray &line) const;
 
     QWidget *m_window;
+    QSize m_size;       ///< of the window at first
+    int m_connects = 0; ///< presses so far
     Chance &m_chance;
     MonkeyHabits m_habits;
     QTimer m_timer;

@@ -87,6 +87,7 @@ void SoakWorld::run()
 
 void SoakWorld::act()
 {
+    plugBridges();
     const int what = m_chance.draw(16);
     if (what < 2)
         pullAndPlug();
@@ -191,11 +192,17 @@ SimBridge &SoakWorld::anyBridge()
 void SoakWorld::restore()
 {
     setLargestFile(RLIM_INFINITY);
+    plugBridges();
+    if (m_line.portName().isEmpty())
+        m_line.restorePort();
+}
+
+// Those that were to go after some transfers may have gone only now.
+void SoakWorld::plugBridges()
+{
     for (const auto &device :
          {std::shared_ptr<SimUsbDevice>(m_ch341), std::shared_ptr<SimUsbDevice>(m_ch347)}) {
         if (!device->isPlugged())
             m_usb.plug(device);
     }
-    if (m_line.portName().isEmpty())
-        m_line.restorePort();
 }

@@ -43,6 +43,7 @@ private:
     void rest(std::chrono::milliseconds time);
     SimBridge &anyBridge();
     void restore();
+    void plugBridges();
 
     Chance m_chance;
     SimSerialBus m_line;

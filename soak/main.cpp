@@ -32,7 +32,8 @@ using Clock = std::chrono::steady_clock;
 constexpr auto kBookInterval = 5s;
 /// Sensors, sockets and panels are gone after that when everything has been let go.
 constexpr auto kTidyTime = 4s;
-constexpr auto kFirstWeighing = 60s;
+/// Small discs and glyphs that are kept have been drawn by then.
+constexpr auto kFirstWeighing = 120s;
 constexpr auto kSettleTime = 2s;
 constexpr std::size_t kLinesKept = 300;
 

@@ -24,7 +24,7 @@ constexpr bool kCostCounts = true;
 
 void row(const char *what, const QString &value)
 {
-    std::printf("  %-44s %s\n", what, qUtf8Printable(value));
+    std::printf("  %-50s %s\n", what, qUtf8Printable(value));
 }
 
 void row(const char *what, qint64 value)
@@ -65,8 +65,10 @@ bool SoakReport::print(const SoakCounts &counts) const
     // The second weighing is the first one after all kinds of panels and tabs have been made once.
     const Vitals early = vitals.size() > 1 ? vitals.at(1) : Vitals();
     const Vitals late = vitals.empty() ? Vitals() : vitals.back();
-    row("memory at start, after a minute, half, end",
+    row("memory in use at start, after 2 min, half, end",
         course(vitals, [](const Vitals &each) { return each.memoryKiB; }) + QStringLiteral(" KiB"));
+    row("  with the program and what cannot be given back",
+        course(vitals, [](const Vitals &each) { return each.residentKiB; }) + QStringLiteral(" KiB"));
     row("file handles", course(vitals, [](const Vitals &each) { return qint64{each.handles}; }));
     row("threads", course(vitals, [](const Vitals &each) { return qint64{each.threads}; }));
 

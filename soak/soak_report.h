@@ -14,7 +14,7 @@ struct SoakReport
 {
     QString link;
     std::chrono::seconds duration{0};
-    /// At the start, after a minute, at half time and at the end, each time with everything let go.
+    /// At the start, after two minutes, at half time and at the end, each time with everything let go.
     std::vector<Vitals> vitals;
     int pulls = 0;
     int disksFilled = 0;

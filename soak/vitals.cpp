@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QPixmapCache>
 
 #include <malloc.h>
 #include <unistd.h>
@@ -18,11 +19,15 @@ int entriesOf(const QString &folder)
 
 Vitals takeVitals()
 {
+    QPixmapCache::clear();
     ::malloc_trim(0);
     QFile pages(QStringLiteral("/proc/self/statm"));
     Vitals vitals;
+    const auto heap = ::mallinfo2();
+    vitals.memoryKiB = static_cast<qint64>((heap.uordblks + heap.hblkhd) / 1024);
     if (pages.open(QIODevice::ReadOnly))
-        vitals.memoryKiB = pages.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE) / 1024;
+        vitals.residentKiB =
+            pages.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE) / 1024;
     // The list is read through a handle that is in it.
     vitals.handles = entriesOf(QStringLiteral("/proc/self/fd")) - 1;
     vitals.threads = entriesOf(QStringLiteral("/proc/self/task"));

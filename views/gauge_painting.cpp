@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kSmallestRadius = 2;
 constexpr int kLargestSmallRadius = 64;
-constexpr int kKeptDiscBytes = 8 * 1024 * 1024;
+constexpr int kKeptDiscBytes = 2 * 1024 * 1024;
 
 /// A length that never falls below a fifth, so that an arrow that is shown can be seen.
 int scaledLength(int length, float scale)
@@ -45,7 +45,9 @@ QImage makeDisc(int radius, const QColor &colour, double pixelRatio)
     QPainter painter(&disc);
     painter.setRenderHint(QPainter::Antialiasing);
     drawPlainDisc(painter, QPoint(radius + 1, radius + 1), radius, colour);
-    return disc;
+    painter.end();
+    // An image that has been painted on keeps what it was painted with, which is larger than a small disc.
+    return disc.copy();
 }
 
 /// Small discs come in few sizes and colours and change with every sample, so each is kept once it is drawn.
