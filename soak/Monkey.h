@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QPoint>
+#include <QSize>
 #include <QTimer>
 
 #include <chrono>

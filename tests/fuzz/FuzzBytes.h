@@ -21,7 +21,7 @@ public:
     QByteArray take(std::ptrdiff_t length)
     {
         const auto count = std::min(length, m_end - m_next);
-        const QByteArray bytes(reinterpret_cast<const char *>(m_next), static_cast<int>(count));
+        QByteArray bytes(reinterpret_cast<const char *>(m_next), static_cast<int>(count));
         m_next += count;
         return bytes;
     }
