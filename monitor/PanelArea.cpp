@@ -21,6 +21,8 @@ constexpr int kBusCount = 6;
 constexpr int kTreeIndentation = 14;
 constexpr int kTreeWidth = 100;
 constexpr int kAreaWidth = 400;
+/// The tree takes an eighth of the width by itself at most.
+constexpr int kTreeShare = 8;
 
 /// What a sensor's item in the tree stands for.
 enum ItemData { InfIdx = Qt::UserRole, Address };
@@ -69,6 +71,25 @@ PanelArea::PanelArea(PanelMaker makePanel, QWidget *parent)
     setSizes({kTreeWidth, kAreaWidth});
     setStretchFactor(1, 1);
     setChildrenCollapsible(false);
+    connect(this, &QSplitter::splitterMoved, this, [this] { m_treeIsMoved = true; });
+}
+
+void PanelArea::resizeEvent(QResizeEvent *event)
+{
+    QSplitter::resizeEvent(event);
+    widenTree();
+}
+
+// Names of sensors are longer than the tree is at first. In a large window there is room for them, as long as the
+// user has not said otherwise.
+void PanelArea::widenTree()
+{
+    const int frame = tree->width() - tree->viewport()->width();
+    const int wanted = std::min(tree->columnWidth(0) + frame, width() / kTreeShare);
+    const QList<int> before = sizes();
+    const int more = wanted - before.first();
+    if (!m_treeIsMoved && more > 0)
+        setSizes({wanted, before.last() - more});
 }
 
 void PanelArea::buildTree()
@@ -117,6 +138,7 @@ void PanelArea::addTreeItem(const sensor_ts &sensor)
         bus->setExpanded(true);
     qDebug("col num:%d", tree->columnCount());
     tree->resizeColumnToContents(0);
+    widenTree();
 }
 
 void PanelArea::removeSensor(const sensor_ts &sensor)

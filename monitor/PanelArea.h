@@ -33,9 +33,12 @@ public:
     /// Decoder of the panel in front; null without one.
     class_finger *activeDecoder() const;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void buildTree();
-    void buildArea();
+    void widenTree();
     void addTreeItem(const sensor_ts &sensor);
     void removeTreeItem(const sensor_ts &sensor);
     void removeSubWindow(QMdiSubWindow *window);
@@ -46,5 +49,6 @@ private:
     PanelMaker m_makePanel;
     QTreeWidget *tree;
     QMdiArea *mdi;
+    bool m_treeIsMoved = false;  ///< by the user
     QList<sensor_ts> sensorList; ///< same order as the sub-windows
 };

@@ -61,7 +61,9 @@ void LoopWatch::hear(const QString &line)
         "connected:|connect$|"
         "^fingerThread (stop|exit)| init$|^connect success|^update|^set rate:|^ymodem |^软件复位|"
         // An address is set over a serial line; a file dialog of the toolkit closes its watches.
-        "^aa550070|^choose "));
+        "^aa550070|^choose |"
+        // Up to fourteen panels go at once with their link.
+        "^del tree$"));
     if (waits.match(line).hasMatch())
         m_ruleHeard = true;
     if (std::this_thread::get_id() == m_owner)
