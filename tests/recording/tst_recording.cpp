@@ -148,7 +148,7 @@ private Q_SLOTS:
         QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("data")));
         QVERIFY(canRecord(folder.path()));
         QCOMPARE(QDir(folder.filePath(QStringLiteral("data"))).count(), 2U); // nothing is left in it
-        QVERIFY(!canRecord(QStringLiteral("/proc/self"))); // not even by root
+        QVERIFY(!canRecord(QStringLiteral("/proc/self")));                   // not even by root
     }
 };
 
