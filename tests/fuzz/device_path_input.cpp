@@ -30,11 +30,10 @@ void fuzzDevicePath(const uint8_t *input, std::size_t size)
 {
     static auto *ch341 = new class_ch341;
     static auto *ch347 = new class_ch347;
-    FakeVendor &vendor = FakeVendor::instance();
-    vendor.listens = false;
+    vendor().listens = false;
     const std::string text(reinterpret_cast<const char *>(input), std::min(size, kRoomOfText));
-    vendor.setDevices({{0, text}, {3, "usb#PID_5512#" + text}, {5, "#&" + text}});
+    vendor().setDevices({{0, text}, {3, "usb#PID_5512#" + text}, {5, "#&" + text}});
     list(*ch341, 3);
     list(*ch347, 3);
-    vendor.setDevices({});
+    vendor().setDevices({});
 }

@@ -31,7 +31,7 @@ public:
         , m_pty(pty)
         , m_bus(link, {[this](std::chrono::milliseconds) { hearLine(); }, [] {}})
     {
-        FakeVendor::instance().deliver = [this](uint8_t *buffer, uint32_t length) {
+        vendor().deliver = [this](uint8_t *buffer, uint32_t length) {
             const QByteArray bytes = m_input.answer(static_cast<int>(length));
             std::fill_n(buffer, length, uint8_t{0});
             std::copy_n(bytes.begin(), std::min<int>(bytes.size(), static_cast<int>(length)), buffer);
@@ -51,7 +51,7 @@ public:
                                        "an answer is whole, and to its request");
                          });
     }
-    ~WorkerScript() { FakeVendor::instance().deliver = nullptr; }
+    ~WorkerScript() { vendor().deliver = nullptr; }
     Q_DISABLE_COPY(WorkerScript)
 
     void run()
@@ -147,9 +147,8 @@ void fuzzWorker(const uint8_t *input, std::size_t size)
     static auto *bridge = new SensorLink(SensorLink::Kind::Ch347);
     if (size == 0)
         return;
-    FakeVendor &vendor = FakeVendor::instance();
-    vendor.listens = false;
-    vendor.setDevices({{0, "usb#A&5003"}});
+    vendor().listens = false;
+    vendor().setDevices({{0, "usb#A&5003"}});
     if (!serial->isOpen())
         serial->open(pty.portName());
     if (!bridge->isOpen()) {

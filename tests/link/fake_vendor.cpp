@@ -10,11 +10,6 @@
 
 namespace {
 
-FakeVendor &vendor()
-{
-    return FakeVendor::instance();
-}
-
 QByteArray hex(const void *data, uint32_t length)
 {
     return QByteArray(static_cast<const char *>(data), static_cast<int>(length)).toHex().toUpper();
@@ -70,7 +65,7 @@ uint32_t receivedBytes(const void *buffer, uint32_t length)
 
 } // namespace
 
-FakeVendor &FakeVendor::instance()
+FakeVendor &vendor()
 {
     static FakeVendor fake;
     return fake;
@@ -90,13 +85,14 @@ void FakeVendor::setDevices(const std::map<uint32_t, std::string> &texts)
     m_texts = texts;
 }
 
-void FakeVendor::setCh341Ids(const std::vector<int> &ids)
+void FakeVendor::setIds(const std::vector<int> &ids)
 {
-    std::map<uint32_t, std::string> paths;
-    for (const int id : ids)
-        paths[static_cast<uint32_t>(paths.size())] =
-            "usb#PID_5512#" + std::to_string(id / 1000) + "&a&b&" + std::to_string(id % 1000);
-    setDevices(paths);
+    std::map<uint32_t, std::string> texts;
+    for (const int id : ids) {
+        const QString text = QString::asprintf("usb#PID_5512&%X#%d&a&b&%d", id, id / 1000, id % 1000);
+        texts[static_cast<uint32_t>(texts.size())] = text.toStdString();
+    }
+    setDevices(texts);
 }
 
 QString FakeVendor::takeCalls()

@@ -35,15 +35,13 @@ struct FakeAnswers
 class FakeVendor : public FakeAnswers
 {
 public:
-    static FakeVendor &instance();
-
     /// Forgets everything.
     void reset();
 
     /// Device path (CH341) or id text (CH347) of each index that exists.
     void setDevices(const std::map<uint32_t, std::string> &texts);
-    /// Ids of the CH341 that are plugged in, by index: 5004 stands for port 4 of bus 5.
-    void setCh341Ids(const std::vector<int> &ids);
+    /// Ids of the bridges that are plugged in, by index, with texts that are right for both families.
+    void setIds(const std::vector<int> &ids);
 
     /// The calls since the last time, with bars between them.
     QString takeCalls();
@@ -64,3 +62,5 @@ private:
     std::recursive_mutex m_routineMutex; // guards m_routine, held while it runs
     void (*m_routine)(uint32_t) = nullptr;
 };
+
+FakeVendor &vendor();

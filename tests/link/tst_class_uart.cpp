@@ -55,11 +55,6 @@ private:
     int m_descriptor;
 };
 
-FakeVendor &vendor()
-{
-    return FakeVendor::instance();
-}
-
 } // namespace
 
 class tst_class_uart : public QObject

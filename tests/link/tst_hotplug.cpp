@@ -14,11 +14,6 @@
 
 namespace {
 
-FakeVendor &vendor()
-{
-    return FakeVendor::instance();
-}
-
 /// A thread that lets bridges come and go a few hundred times, as fast as a queue can follow.
 class HotplugThread
 {
@@ -37,7 +32,7 @@ private:
         const std::vector<std::vector<int>> plugged = {{1002}, {1001, 1002}, {}};
         for (size_t round = 0; round < 600; ++round) {
             const std::vector<int> &ids = plugged[round % plugged.size()];
-            vendor().setCh341Ids(ids);
+            vendor().setIds(ids);
             routine(ids.empty() ? 0 : 3);
             std::this_thread::sleep_for(std::chrono::microseconds(100));
         }
@@ -63,7 +58,7 @@ private Q_SLOTS:
 
     void workIsDoneOnOwnersThread()
     {
-        vendor().setCh341Ids({1002});
+        vendor().setIds({1002});
         class_ch341 link;
         link.scan();
         QVERIFY(link.open(1002));
@@ -72,9 +67,9 @@ private Q_SLOTS:
             &link, &class_ch341::si_updateList, &link, [&] { emittedOn = QThread::currentThread(); },
             Qt::DirectConnection);
         std::thread library([] {
-            vendor().setCh341Ids({});
+            vendor().setIds({});
             vendor().notify(0);
-            vendor().setCh341Ids({1002});
+            vendor().setIds({1002});
             vendor().notify(3);
         });
         library.join();
@@ -88,9 +83,9 @@ private Q_SLOTS:
         // An open one is not taken to an index that is another one's, or nobody's, by now.
         QVERIFY(link.open(1002));
         std::thread hurried([] {
-            vendor().setCh341Ids({1001, 1002});
+            vendor().setIds({1001, 1002});
             vendor().notify(3);
-            vendor().setCh341Ids({1002});
+            vendor().setIds({1002});
             vendor().notify(0);
         });
         hurried.join();
@@ -118,7 +113,7 @@ private Q_SLOTS:
         }
         QVERIFY(!connected.isEmpty());
 
-        vendor().setCh341Ids({1001, 1002});
+        vendor().setIds({1001, 1002});
         vendor().notify(3);
         QVERIFY(link.isOpen() || link.open(1002));
         vendor().takeCalls();

@@ -1,0 +1,508 @@
+// class_ch341 and class_ch347 against a recording stand-in for the bridge libraries: every byte and call that
+// reaches a bridge.
+
+#include "link/class_ch341.h"
+#include "link/class_ch347.h"
+#include "tests/link/fake_vendor.h"
+#include "tests/support/log_capture.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+namespace {
+
+using Ids = QVector<uint16_t>;
+
+constexpr auto kEnable = ch347_gpio_en_te::Enable;
+constexpr auto kOutput = ch347_gpio_dir_te::Output;
+constexpr auto kInput = ch347_gpio_dir_te::Input;
+
+ch347_gpio_te pin(int number)
+{
+    return static_cast<ch347_gpio_te>(number);
+}
+
+/// First packet of a transfer to address 0x50 at speed 0, 1, 2, 3, up to the first command.
+QString head(int speed, bool read)
+{
+    const QStringList pauses = {QString(), QStringLiteral("4F4F"), QStringLiteral("4F4F4F"),
+                                QStringLiteral("4F4F4F4F4F")};
+    return QStringLiteral("AA7481") + (read ? QStringLiteral("A1") : QStringLiteral("A0")) + pauses[speed];
+}
+
+/// The calls that a row of the table stands for, with the next bytes of the payload wherever their number
+/// stands in brackets.
+QString expectedCalls(const QString &packets, const QString &call, const QString &head,
+                      const QByteArray &payload)
+{
+    QStringList calls;
+    int taken = 0;
+    for (const QString &packet : packets.split(QLatin1Char('|'))) {
+        const QStringList parts = packet.split(QLatin1Char('*'));
+        for (int i = parts.size() == 2 ? parts[0].toInt() : 1; i > 0; --i) {
+            QString bytes = parts.last();
+            bytes.replace(QLatin1Char('H'), head);
+            const int open = bytes.indexOf(QLatin1Char('['));
+            const int close = bytes.indexOf(QLatin1Char(']'));
+            if (open >= 0) {
+                const QByteArray part = payload.mid(taken, bytes.mid(open + 1, close - open - 1).toInt());
+                bytes.replace(open, close - open + 1, QString::fromLatin1(part.toHex().toUpper()));
+                taken += part.size();
+            }
+            calls.append(call + bytes);
+        }
+    }
+    return calls.join(QLatin1Char('|'));
+}
+
+/// A link open on index 0 with id 1002, calls forgotten.
+template<typename Link>
+struct OpenLink : Link
+{
+    OpenLink()
+    {
+        vendor().setIds({1002});
+        this->scan();
+        this->open(1002);
+        vendor().takeCalls();
+    }
+};
+
+template<typename Link>
+Ids idsOf(const QByteArray &text)
+{
+    vendor().setDevices({{3, text.toStdString()}});
+    Link link;
+    QSignalSpy lists(&link, &Link::si_updateList);
+    link.getScanSignal();
+    return lists.size() == 1 ? lists[0][0].value<Ids>() : Ids{0xFFFF};
+}
+
+/// One life of a link, and what it logs between the first line and the last.
+template<typename Link>
+void live(const char *callsAtStart, const char *callsAtEnd, const char *lines)
+{
+    const LogCapture log;
+    vendor().setIds({1002, 1003});
+    {
+        Link link;
+        QSignalSpy lists(&link, &Link::si_updateList);
+        QCOMPARE(vendor().takeCalls(), QLatin1String(callsAtStart));
+        QVERIFY(lists.wait());
+        QCOMPARE(lists[0][0].value<Ids>(), (Ids{1002, 1003}));
+        QSignalSpy disconnected(&link, &Link::si_disconnected);
+        QVERIFY(link.open(1003));
+        link.close();
+        link.close();
+        QCOMPARE(disconnected.size(), 1);
+        QVERIFY(link.open(1003));
+        vendor().takeCalls();
+    }
+    QCOMPARE(vendor().takeCalls(), QLatin1String(callsAtEnd));
+    QCOMPARE(log.lines().mid(1).join(QLatin1Char('|')), QLatin1String(lines));
+}
+
+template<typename Link>
+void refuseThenOpen(const char *callsAfterOpen)
+{
+    Link link;
+    link.scan();
+    vendor().takeCalls();
+    const LogCapture log;
+    QStringList linesBefore;
+    QObject::connect(&link, &Link::si_connected, [&] { linesBefore = log.lines(); });
+    QVERIFY(!link.open(1009));
+    vendor().opens = false;
+    QVERIFY(!link.open(1002));
+    QVERIFY(!link.isOpen());
+    vendor().opens = true;
+    QVERIFY(link.open(1002));
+    QVERIFY(!link.open(1002));
+    QCOMPARE(vendor().takeCalls(), QLatin1String("open 0|close 0|open 0") + QLatin1String(callsAfterOpen));
+    // The signal comes before the line.
+    QCOMPARE(linesBefore.size(), 2);
+    QCOMPARE(log.lines().join(QLatin1Char('|')),
+             QLatin1String("connect param err:0,-1|connect fail:1002, idx:0|"
+                           "connect success:1002, idx:0|connect param err:1,0"));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(std::vector<int>)
+
+class tst_class_bridges : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        qRegisterMetaType<Ids>("QVector<uint16_t>");
+        vendor().reset();
+    }
+
+    void life()
+    {
+        live<class_ch341>("notify on 0", "close 1|notify off 0",
+                          "usb#PID_5512&3EA#1&a&b&2|usb#PID_5512&3EB#1&a&b&3|QVector(1002, 1003)|"
+                          "connect success:1003, idx:1|connect success:1003, idx:1|ch341 delete");
+        live<class_ch347>("", "notify off 0",
+                          "ch347: QVector(1002, 1003)|connect success:1003, idx:1|"
+                          "connect success:1003, idx:1|CH347 delete");
+    }
+
+    void opening()
+    {
+        // Another device on index 0: the bridge is first in the list, and that is what goes to the library.
+        vendor().setDevices({{0, "usb#PID_5523#1&a&b&1"}, {1, "usb#PID_5512#1&a&b&2"}});
+        refuseThenOpen<class_ch341>("|reset 0|flush 0");
+        vendor().setIds({1002});
+        refuseThenOpen<class_ch347>("");
+    }
+
+    void ids_data()
+    {
+        QTest::addColumn<QByteArray>("text");
+        QTest::addColumn<Ids>("ids");
+        const auto ch341 = [](const char *name, const char *text, const Ids &ids) {
+            QTest::addRow("ch341: %s", name) << QByteArray(text) << ids;
+        };
+        ch341("usual", "\\\\?\\usb#vid_1a86&pid_5512#6&1b0d2c3f&0&2#{5446}", {6002});
+        ch341("upper case", "USB#VID_1A86&PID_5512#12&0&0&34", {12034});
+        ch341("another device", "usb#vid_1a86&pid_5523#6&1b0d2c3f&0&2", {});
+        ch341("product at the end", "usb#pid_55", {});
+        ch341("letters in first field", "usb#pid_5512#6a&1&0&2", {2});
+        ch341("three fields", "usb#pid_5512#6&1&0", {6000});
+        ch341("no instance", "usb#pid_5512", {0});
+        ch341("more than 16 bits", "usb#pid_5512#70&1&0&1", {70001 - 65536});
+        const auto ch347 = [](const char *name, const char *text, unsigned id) {
+            QTest::addRow("ch347: %s", name) << QByteArray(text) << Ids{static_cast<uint16_t>(id)};
+        };
+        ch347("usual", "USB#6&1A2B&0&2#{5446}", 0x1A2B);
+        ch347("one less than the modulus", "USB#6&FFFE", 65534);
+        ch347("the modulus", "USB#6&ffff", 0);
+        ch347("32 bits", "USB#6&1B0D2C3F", 0x1B0D2C3FU % 65535);
+        ch347("more than 32 bits", "USB#6&123456789", 0);
+        ch347("not hexadecimal", "USB#vid_1a86&pid_55db", 0);
+        ch347("one field", "USB#6", 0);
+        ch347("no text of that kind", "USB 6&1A2B", 0);
+    }
+
+    void ids()
+    {
+        QFETCH(QByteArray, text);
+        QFETCH(Ids, ids);
+        const LogCapture log;
+        const bool isCh341 = QByteArray(QTest::currentDataTag()).startsWith("ch341");
+        QCOMPARE(isCh341 ? idsOf<class_ch341>(text) : idsOf<class_ch347>(text), ids);
+        QCOMPARE(log.contains(QString::fromLatin1(text)), isCh341);
+    }
+
+    void ch341Packets_data()
+    {
+        // H is the head, [n] the next n bytes of the payload, "3*" three packets alike.
+        QTest::addColumn<int>("length");
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QString>("read");
+        const auto row = [](int length, const char *written, const char *read) {
+            QTest::addRow("%d", length)
+                << length << QString::fromLatin1(written) << QString::fromLatin1(read);
+        };
+        row(1, "H81[1]7500", "HC07500");
+        row(5, "H85[5]7500", "HC4C07500");
+        row(19, "H93[19]7500", "HD2C07500");
+        row(20, "H94[20]00|AA7500", "HD3C07500");
+        row(21, "H94[20]00|AA81[1]7500", "HD4C07500");
+        row(29, "H94[20]00|AA89[9]7500", "HDCC07500");
+        row(30, "H94[20]00|AA8A[10]7500", "HDDC07500");
+        row(31, "H94[20]00|AA8B[11]7500", "HDE00|AAC07500");
+        row(60, "H94[20]00|2*AA94[20]00|AA7500", "HDE00|AADDC07500");
+        row(189, "H94[20]00|8*AA94[20]00|AA89[9]7500", "HDE00|5*AADE00|AAC8C07500");
+        row(600, "H94[20]00|29*AA94[20]00|AA7500", "HDE00|18*AADE00|AADDC07500");
+    }
+
+    void ch341Packets()
+    {
+        QFETCH(int, length);
+        QFETCH(QString, written);
+        QFETCH(QString, read);
+        OpenLink<class_ch341> link;
+        QByteArray data(length + 1, '\xEE');
+        auto *bytes = reinterpret_cast<uint8_t *>(data.data());
+        // Before any speed has been set, the pauses are those of 100 kHz.
+        for (const int speed : {-1, 0, 1, 2, 3}) {
+            if (speed >= 0)
+                link.setIICSpeed(static_cast<ch341_iic_speed_te>(speed));
+            vendor().takeCalls();
+            vendor().nextByte = 1;
+            QCOMPARE(int(link.read(0x50, bytes, static_cast<uint16_t>(length))), length);
+            for (int i = 0; i < length; ++i)
+                QCOMPARE(bytes[i], static_cast<uint8_t>(i + 1));
+            QCOMPARE(bytes[length], uint8_t{0xEE});
+            QCOMPARE(vendor().takeCalls(),
+                     expectedCalls(read, QStringLiteral("read 0 63x1 "), head(std::abs(speed), true), data));
+            QCOMPARE(int(link.write(0x50, bytes, static_cast<uint16_t>(length))), length);
+            QCOMPARE(vendor().takeCalls(),
+                     expectedCalls(written, QStringLiteral("write 0 "), head(std::abs(speed), false), data));
+        }
+    }
+
+    void ch347Transfers()
+    {
+        OpenLink<class_ch347> link;
+        for (const int speed : {0, 1, 2, 3}) {
+            link.setIICSpeed(static_cast<ch347_iic_speed_te>(speed));
+            vendor().takeCalls();
+            for (const int length : {1, 5, 19, 20, 21, 29, 30, 31, 60, 189, 600, 4097}) {
+                QByteArray data(length + 1, '\x55');
+                auto *bytes = reinterpret_cast<uint8_t *>(data.data());
+                vendor().nextByte = static_cast<uint8_t>(speed);
+                QCOMPARE(int(link.read(0x61, bytes, static_cast<uint16_t>(length))), length);
+                QCOMPARE(vendor().takeCalls(), QStringLiteral("i2c 0 C3 +%1").arg(length));
+                for (int i = 0; i < length; ++i)
+                    QCOMPARE(bytes[i], static_cast<uint8_t>(i + speed));
+                QCOMPARE(bytes[length], uint8_t{0x55});
+
+                QCOMPARE(int(link.write(0x61, bytes, static_cast<uint16_t>(length))), length);
+                const QString hex = QString::fromLatin1(data.left(length).toHex().toUpper());
+                QCOMPARE(vendor().takeCalls(), QStringLiteral("i2c 0 C2%1 +0").arg(hex));
+            }
+        }
+    }
+
+    void ch341Failures()
+    {
+        class_ch341 closed;
+        uint8_t byte = 0;
+        QCOMPARE(closed.write(0x50, &byte, 1) + closed.read(0x50, &byte, 1), 0);
+        QCOMPARE(closed.setIICSpeed(ch341_iic_speed_te::Khz100), 0U);
+        closed.setInt(1);
+        QCOMPARE(closed.getInt(), uint8_t{255});
+        QCOMPARE(vendor().takeCalls(), QLatin1String("notify on 0"));
+
+        OpenLink<class_ch341> link;
+        QCOMPARE(link.write(0x50, nullptr, 1) + link.write(0x50, &byte, 0), 0);
+        QCOMPARE(link.read(0x50, nullptr, 1) + link.read(0x50, &byte, 0), 0);
+        QCOMPARE(vendor().takeCalls(), QString());
+
+        QByteArray buffer(90, '\x55');
+        auto *bytes = reinterpret_cast<uint8_t *>(buffer.data());
+        vendor().successes = 2;
+        QCOMPARE(link.write(0x50, bytes, 60), uint16_t{0});
+        QCOMPARE(vendor().takeCalls().count(QLatin1Char('|')), 2);
+        vendor().successes = 1;
+        QCOMPARE(link.read(0x50, bytes, 90), uint16_t{0});
+        QCOMPARE(vendor().takeCalls().count(QLatin1Char('|')), 1);
+        QCOMPARE(buffer.mid(30), QByteArray(60, '\x55'));
+
+        vendor().successes = -1;
+        vendor().reportsNothing = true;
+        QCOMPARE(link.write(0x50, bytes, 60) + link.read(0x50, bytes, 90), 0);
+        QCOMPARE(vendor().takeCalls().count(QLatin1Char('|')), 1);
+        vendor().reportsNothing = false;
+        vendor().reportedRead = 1;
+        QCOMPARE(link.read(0x50, bytes, 90), uint16_t{90});
+    }
+
+    void ch347Failures()
+    {
+        QByteArray data(4098, '\x11');
+        auto *bytes = reinterpret_cast<uint8_t *>(data.data());
+        const LogCapture log;
+        QCOMPARE(class_ch347().read(0x61, bytes, 1), uint16_t{0});
+        QVERIFY(log.contains(QString::asprintf("ch347 read err:%p, 1", static_cast<const void *>(bytes))));
+        OpenLink<class_ch347> link;
+        for (const int length : {0, 4098}) {
+            QCOMPARE(link.write(0x61, bytes, static_cast<uint16_t>(length)), uint16_t{0});
+            QVERIFY(log.contains(
+                QString::asprintf("ch347 write err,1, %d,%p", length, static_cast<const void *>(bytes))));
+        }
+        QCOMPARE(link.read(0x61, bytes, 0), uint16_t{0});
+        QCOMPARE(vendor().takeCalls(), QString());
+
+        vendor().successes = 0;
+        QCOMPARE(link.write(0x61, bytes, 11), uint16_t{0});
+        QCOMPARE(log.lines().constLast(), QStringLiteral("ch347 write err"));
+        QCOMPARE(link.read(0x61, bytes, 600), uint16_t{0});
+        QCOMPARE(data.left(601), QByteArray(600, '\xFF') + '\x11');
+    }
+
+    void ch341Speeds()
+    {
+        OpenLink<class_ch341> link;
+        vendor().result = 7;
+        QCOMPARE(link.setIICSpeed(ch341_iic_speed_te::Khz750), 7U);
+        QCOMPARE(link.setIICSpeed(static_cast<ch341_iic_speed_te>(4)), 0U);
+        // The refused speed has not been kept.
+        const uint8_t byte = 9;
+        link.write(0x50, &byte, 1);
+        QCOMPARE(vendor().takeCalls(), QLatin1String("speed 0 3|write 0 AA7481A04F4F4F4F4F81097500"));
+    }
+
+    void ch347BusSettings()
+    {
+        OpenLink<class_ch347> link;
+        QCOMPARE(link.setIICSpeed(static_cast<ch347_iic_speed_te>(7)), 0U);
+        vendor().result = 5;
+        QCOMPARE(link.setIICSpeed(ch347_iic_speed_te::Mode6), 5U);
+        QCOMPARE(link.setIICStretch(3), 5U);
+        QCOMPARE(link.setIICStretch(2), 5U);
+        QCOMPARE(link.setIICDriverMode(1), 5U);
+        QCOMPARE(vendor().takeCalls(), QLatin1String("speed 0 6|stretch 0 1|stretch 0 0|driver 0 1"));
+    }
+
+    void ch347WriteDelayRead()
+    {
+        OpenLink<class_ch347> link;
+        const uint8_t request[] = {0xAA, 0x55};
+        uint8_t answer[3] = {};
+        // The host waits itself when the bridge does not.
+        for (const uint32_t result : {1U, 0U}) {
+            vendor().result = result;
+            QElapsedTimer pause;
+            pause.start();
+            QCOMPARE(link.wdr(0x61, request, 2, 12, answer, 3), uint16_t{3});
+            QVERIFY(result != 0 || pause.elapsed() >= 12);
+            QCOMPARE(vendor().takeCalls(), QLatin1String("i2c 0 C2AA55 +0|delay 0 12|i2c 0 C3 +3"));
+        }
+        vendor().successes = 0;
+        QCOMPARE(link.wdr(0x61, request, 2, 12, answer, 3), uint16_t{0});
+        QCOMPARE(vendor().takeCalls(), QLatin1String("i2c 0 C2AA55 +0"));
+    }
+
+    void ch341ResetPin()
+    {
+        OpenLink<class_ch341> link;
+        vendor().pins = 0x0000F5A5;
+        link.setInt(0);
+        QCOMPARE(vendor().takeCalls(), QLatin1String("getInput 0|setOutput 0 3 ff00 f1a5"));
+        QCOMPARE(link.getInt(), uint8_t{1});
+        vendor().pins = 0x0000F1A5;
+        QCOMPARE(link.getInt(), uint8_t{0});
+    }
+
+    void ch347Pins()
+    {
+        OpenLink<class_ch347> link;
+        link.setGPIO(pin(0), kEnable, kOutput, 0);
+        link.setGPIO(pin(0), kEnable, kOutput, 1);
+        QCOMPARE(vendor().takeCalls(), QLatin1String("gpio 0 01 01 00|gpio 0 01 01 01"));
+        link.setGPIO(pin(7), kEnable, kOutput, 1);
+        link.setGPIO(pin(7), kEnable, kInput, 0);
+        link.setGPIO(pin(3), kEnable, kInput, 1);
+        link.setGPIO(pin(0), ch347_gpio_en_te::Disable, kInput, 0);
+        link.setGPIO(pin(7), kEnable, kOutput, 0);
+        QCOMPARE(vendor().takeCalls(), QLatin1String("gpio 0 81 81 81|gpio 0 81 01 81|gpio 0 89 01 81|"
+                                                     "gpio 0 88 01 81|gpio 0 88 81 01"));
+        QCOMPARE(link.setGPIO(pin(8), kEnable, kOutput, 1), 0U);
+        QCOMPARE(link.setGPIO(pin(0), static_cast<ch347_gpio_en_te>(2), kOutput, 1), 0U);
+        QCOMPARE(link.setGPIO(pin(0), kEnable, static_cast<ch347_gpio_dir_te>(2), 1), 0U);
+        QCOMPARE(link.setGPIO(pin(0), kEnable, kOutput, 2), 0U);
+        QCOMPARE(vendor().takeCalls(), QString());
+
+        // Pin 2 is not in use yet.
+        ch347_gpio_dir_te direction = kOutput;
+        uint8_t level = 0x55;
+        QCOMPARE(link.getGPIO(pin(2), &direction, &level), 0U);
+        QCOMPARE(level, uint8_t{0x55});
+        link.setGPIO(pin(2), kEnable, kInput, 0);
+        vendor().gpioLevels = 0x04;
+        QCOMPARE(link.getGPIO(pin(2), &direction, &level), 1U);
+        QVERIFY(direction == kInput && level == 1);
+        vendor().gpioDirection = 0x04;
+        vendor().gpioLevels = 0xFB;
+        QCOMPARE(link.getGPIO(pin(2), &direction, &level), 1U);
+        QVERIFY(direction == kOutput && level == 0);
+    }
+
+    void ch347Scan()
+    {
+        OpenLink<class_ch347> link;
+        QCOMPARE(link.scan(), 1);
+        QStringList expected;
+        for (int index = 0; index < 32; ++index)
+            expected << QStringLiteral("open %1").arg(index) << QStringLiteral("close %1").arg(index);
+        QCOMPARE(vendor().takeCalls(), expected.join(QLatin1Char('|')));
+        QVERIFY(link.isOpen());
+
+        QSignalSpy lists(&link, &class_ch347::si_updateList);
+        QVERIFY(lists.wait());
+        const LogCapture log;
+        vendor().setDevices({});
+        class_ch347::CH347_NOTIFY_ROUTINE(0);
+        // The list is still the old one when the routine looks for its bridge.
+        QCOMPARE(log.lines(), QStringList(QStringLiteral("openIdx:0, idx:0")));
+        QVERIFY(link.isOpen());
+        QVERIFY(lists.wait());
+        class_ch347::CH347_NOTIFY_ROUTINE(0);
+        QVERIFY(!link.isOpen());
+        QVERIFY(log.contains(QStringLiteral("disconnected:1002")));
+    }
+
+    void ch341HotPlug_data()
+    {
+        using Plugged = std::vector<int>;
+        QTest::addColumn<Plugged>("before");
+        QTest::addColumn<Plugged>("after");
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("log");
+        QTest::addColumn<QString>("signalOrder");
+        const auto row = [](const char *name, const Plugged &before, const Plugged &after, int status,
+                            const char *log, const char *signalOrder) {
+            QTest::newRow(name) << before << after << status << QString::fromLatin1(log)
+                                << QString::fromLatin1(signalOrder);
+        };
+        row("own bridge gone", {1002}, {}, 0, "disconnected:1002|openIdx:255, idx:-1", "list|disconnected");
+        row("own bridge missing at an arrival", {1002}, {}, 3, "openIdx:0, idx:-1", "list");
+        row("another one behind it arrives", {1002}, {1002, 1005}, 3, "openIdx:0, idx:0", "list");
+        row("another one before it arrives", {1002}, {1001, 1002}, 3,
+            "openIdx:0, idx:1|restart:1002|connect success:1002, idx:1", "list|disconnected|connected");
+        row("another one before it goes", {1001, 1002}, {1002}, 0,
+            "openIdx:1, idx:0|restart:1002|connect success:1002, idx:0", "list|disconnected|connected");
+    }
+
+    void ch341HotPlug()
+    {
+        QFETCH(std::vector<int>, before);
+        QFETCH(std::vector<int>, after);
+        QFETCH(int, status);
+        QFETCH(QString, log);
+        QFETCH(QString, signalOrder);
+        class_ch341 link;
+        vendor().setIds(before);
+        link.scan();
+        QVERIFY(link.open(1002));
+        QStringList order;
+        connect(&link, &class_ch341::si_updateList, [&] { order.append(QStringLiteral("list")); });
+        connect(&link, &class_ch341::si_disconnected, [&] { order.append(QStringLiteral("disconnected")); });
+        connect(&link, &class_ch341::si_connected, [&] { order.append(QStringLiteral("connected")); });
+        vendor().setIds(after);
+        const LogCapture capture;
+        vendor().notify(static_cast<uint32_t>(status));
+        QCOMPARE(order.join(QLatin1Char('|')), signalOrder);
+        QCOMPARE(capture.lines().mid(int(after.size()) + 1).join(QLatin1Char('|')), log);
+
+        link.close();
+        order.clear();
+        vendor().notify(0);
+        QCOMPARE(order, QStringList(QStringLiteral("list")));
+    }
+
+    void lastInstanceIsNotified()
+    {
+        class_ch341 first;
+        auto second = std::make_unique<class_ch341>();
+        QSignalSpy firstLists(&first, &class_ch341::si_updateList);
+        QSignalSpy secondLists(second.get(), &class_ch341::si_updateList);
+        vendor().notify(3);
+        QCOMPARE(firstLists.size(), 0);
+        QCOMPARE(secondLists.size(), 1);
+        second.reset();
+        vendor().notify(3);
+        class_ch341::CH341_NOTIFY_ROUTINE(0);
+        QCOMPARE(firstLists.size(), 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(tst_class_bridges)
+#include "tst_class_bridges.moc"
