@@ -15,30 +15,6 @@
 /// is still on its way. setNotify is the operation that registers the routine of the fence's family.
 bool passFence(FakeUsbDevice &fence, uint32_t (*setNotify)(uint32_t, const char *, void (*)(uint32_t)));
 
-/// True unless it is what opening a device returns on failure.
-inline bool isHandle(const void *handle)
-{
-    return handle != reinterpret_cast<void *>(UINTPTR_MAX);
-}
-
-/// A chip in port 1, plugged in and open on index 0; closed again also when the test fails.
-template<typename Chip, void *(*OpenDevice)(uint32_t), typename Result, Result (*CloseDevice)(uint32_t)>
-struct OpenChip
-{
-    explicit OpenChip(FakeUsbBus &bus)
-        : device(bus, "1-1", 12, chip)
-    {
-        device.plug();
-        OpenDevice(0);
-    }
-    ~OpenChip() { CloseDevice(0); }
-    OpenChip(const OpenChip &) = delete;
-    OpenChip &operator=(const OpenChip &) = delete;
-
-    Chip chip;
-    FakeUsbDevice device;
-};
-
 /// The bytes 0, 1, 2, … up to the length.
 QByteArray counted(int length);
 
