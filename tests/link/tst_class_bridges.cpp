@@ -128,8 +128,6 @@ void refuseThenOpen(const char *callsAfterOpen)
 
 } // namespace
 
-Q_DECLARE_METATYPE(std::vector<int>)
-
 class tst_class_bridges : public QObject
 {
     Q_OBJECT
@@ -439,53 +437,56 @@ private Q_SLOTS:
         QVERIFY(log.contains(QStringLiteral("disconnected:1002")));
     }
 
-    void ch341HotPlug_data()
-    {
-        using Plugged = std::vector<int>;
-        QTest::addColumn<Plugged>("before");
-        QTest::addColumn<Plugged>("after");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("log");
-        QTest::addColumn<QString>("signalOrder");
-        const auto row = [](const char *name, const Plugged &before, const Plugged &after, int status,
-                            const char *log, const char *signalOrder) {
-            QTest::newRow(name) << before << after << status << QString::fromLatin1(log)
-                                << QString::fromLatin1(signalOrder);
-        };
-        row("own bridge gone", {1002}, {}, 0, "disconnected:1002|openIdx:255, idx:-1", "list|disconnected");
-        row("own bridge missing at an arrival", {1002}, {}, 3, "openIdx:0, idx:-1", "list");
-        row("another one behind it arrives", {1002}, {1002, 1005}, 3, "openIdx:0, idx:0", "list");
-        row("another one before it arrives", {1002}, {1001, 1002}, 3,
-            "openIdx:0, idx:1|restart:1002|connect success:1002, idx:1", "list|disconnected|connected");
-        row("another one before it goes", {1001, 1002}, {1002}, 0,
-            "openIdx:1, idx:0|restart:1002|connect success:1002, idx:0", "list|disconnected|connected");
-    }
-
     void ch341HotPlug()
     {
-        QFETCH(std::vector<int>, before);
-        QFETCH(std::vector<int>, after);
-        QFETCH(int, status);
-        QFETCH(QString, log);
-        QFETCH(QString, signalOrder);
-        class_ch341 link;
-        vendor().setIds(before);
-        link.scan();
-        QVERIFY(link.open(1002));
-        QStringList order;
-        connect(&link, &class_ch341::si_updateList, [&] { order.append(QStringLiteral("list")); });
-        connect(&link, &class_ch341::si_disconnected, [&] { order.append(QStringLiteral("disconnected")); });
-        connect(&link, &class_ch341::si_connected, [&] { order.append(QStringLiteral("connected")); });
-        vendor().setIds(after);
-        const LogCapture capture;
-        vendor().notify(static_cast<uint32_t>(status));
-        QCOMPARE(order.join(QLatin1Char('|')), signalOrder);
-        QCOMPARE(capture.lines().mid(int(after.size()) + 1).join(QLatin1Char('|')), log);
+        struct Change
+        {
+            std::vector<int> before;
+            std::vector<int> after;
+            uint32_t status;
+            const char *log;
+            const char *signalOrder;
+        };
+        // The own bridge goes, or is missing at an arrival; another one arrives behind it, arrives before it,
+        // goes from before it.
+        const Change changes[] = {
+            {{1002}, {}, 0, "disconnected:1002|openIdx:255, idx:-1", "list|disconnected"},
+            {{1002}, {}, 3, "openIdx:0, idx:-1", "list"},
+            {{1002}, {1002, 1005}, 3, "openIdx:0, idx:0", "list"},
+            {{1002},
+             {1001, 1002},
+             3,
+             "openIdx:0, idx:1|restart:1002|connect success:1002, idx:1",
+             "list|disconnected|connected"},
+            {{1001, 1002},
+             {1002},
+             0,
+             "openIdx:1, idx:0|restart:1002|connect success:1002, idx:0",
+             "list|disconnected|connected"}};
+        for (const Change &change : changes) {
+            class_ch341 link;
+            vendor().setIds(change.before);
+            link.scan();
+            QVERIFY(link.open(1002));
+            QStringList order;
+            const auto note = [&order](const char *signal) {
+                return [&order, signal] { order.append(QLatin1String(signal)); };
+            };
+            connect(&link, &class_ch341::si_updateList, note("list"));
+            connect(&link, &class_ch341::si_disconnected, note("disconnected"));
+            connect(&link, &class_ch341::si_connected, note("connected"));
+            vendor().setIds(change.after);
+            const LogCapture log;
+            vendor().notify(change.status);
+            QCOMPARE(order.join(QLatin1Char('|')), QLatin1String(change.signalOrder));
+            const QStringList lines = log.lines().mid(static_cast<int>(change.after.size()) + 1);
+            QCOMPARE(lines.join(QLatin1Char('|')), QLatin1String(change.log));
 
-        link.close();
-        order.clear();
-        vendor().notify(0);
-        QCOMPARE(order, QStringList(QStringLiteral("list")));
+            link.close();
+            order.clear();
+            vendor().notify(0);
+            QCOMPARE(order, QStringList(QStringLiteral("list")));
+        }
     }
 
     void lastInstanceIsNotified()

@@ -1,5 +1,7 @@
 #include "tests/link/usb/FakeUsbBus.h"
 
+#include <QByteArray>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,17 +11,6 @@ namespace {
 const Bytes kHubDescriptors = {18, 1, 0x00, 0x02, 9, 0,  1, 64, 0x6B, 0x1D, 0x02, 0x00, 0x00, 0x06, 0,
                                0,  0, 1,    9,    2, 25, 0, 1,  1,    0,    0xE0, 0,    9,    4,    0,
                                0,  1, 9,    0,    0, 0,  7, 5,  0x81, 3,    4,    0,    12};
-
-std::string hex(const Bytes &bytes)
-{
-    std::string text;
-    for (const uint8_t byte : bytes) {
-        char digits[3];
-        std::snprintf(digits, sizeof digits, "%02X", byte);
-        text += digits;
-    }
-    return text;
-}
 
 } // namespace
 
@@ -94,6 +85,8 @@ std::string usbNode(int address)
 std::string usbDescription(const std::string &name, int address, uint16_t vendor, uint16_t product,
                            const Bytes &descriptors)
 {
+    const auto size = static_cast<int>(descriptors.size());
+    const auto bytes = QByteArray::fromRawData(reinterpret_cast<const char *>(descriptors.data()), size);
     char text[1024];
     std::snprintf(text, sizeof text,
                   "P: %s\nE: DEVTYPE=usb_device\nE: SUBSYSTEM=usb\nE: DEVNAME=%s\nE: BUSNUM=001\n"
@@ -101,6 +94,6 @@ std::string usbDescription(const std::string &name, int address, uint16_t vendor
                   "A: devnum=%d\nA: speed=12\nA: bConfigurationValue=1\nA: idVendor=%04x\n"
                   "A: idProduct=%04x\nH: descriptors=%s\n\n",
                   FakeUsbBus::sysPath(name).substr(4).c_str(), usbNode(address).c_str(), address, address - 1,
-                  vendor, product, address, vendor, product, hex(descriptors).c_str());
+                  vendor, product, address, vendor, product, bytes.toHex().constData());
     return text;
 }
