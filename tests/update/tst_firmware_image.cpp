@@ -1,6 +1,7 @@
 // What is sent for a file: Intel HEX text as bytes, padding, masking. Independent truth for HEX comes from
 // objcopy.
 
+#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
 #include "update/firmware_image.h"
 #include "update/hex2bin.h"
@@ -9,6 +10,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
+
+#include <tuple>
 
 namespace {
 
@@ -23,12 +26,7 @@ QByteArray bytes(int size, int seed = 0)
 /// A HEX line for a record with the right check byte.
 QByteArray record(int type, int offset, const QByteArray &data)
 {
-    QByteArray raw;
-    raw.append(static_cast<char>(data.size()));
-    raw.append(static_cast<char>(offset >> 8));
-    raw.append(static_cast<char>(offset & 0xFF));
-    raw.append(static_cast<char>(type));
-    raw.append(data);
+    QByteArray raw = hex(qPrintable(QString::asprintf("%02X%04X%02X", data.size(), offset, type))) + data;
     int sum = 0;
     for (const char byte : raw)
         sum += byte;
@@ -80,9 +78,8 @@ private Q_SLOTS:
         QTest::newRow("gap is closed")
             << record(0, 0, "A") + record(0, 0x1000, "B") + kEnd << QByteArray("AB");
         QTest::newRow("bases carry no data")
-            << record(2, 0, QByteArray("\x10\x00", 2)) + record(0, 0, "A") +
-                   record(3, 0, QByteArray("\x12\x34\x56\x78", 4)) + record(4, 0, QByteArray("\x08\x00", 2)) +
-                   record(0, 0, "B") + kEnd
+            << record(2, 0, hex("1000")) + record(0, 0, "A") + record(3, 0, hex("12345678")) +
+                   record(4, 0, hex("0800")) + record(0, 0, "B") + kEnd
             << QByteArray("AB");
         QTest::newRow("255 bytes in a record") << record(0, 0, bytes(255)) + kEnd << bytes(255);
 
@@ -100,32 +97,23 @@ private Q_SLOTS:
         const LogCapture quiet;
         QCOMPARE(hex2bin::hexToBin(text).toHex(), image.toHex());
     }
-    void hexLog_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QStringList>("lines");
-        QTest::newRow("bad sum") << QByteArray(":0400000001020304F3\n")
-                                 << QStringList{QStringLiteral("Checksum error at line::0400000001020304F3")};
-        QTest::newRow("unsupported type")
-            << record(5, 0, "1234") << QStringList{QStringLiteral("Unsupported record type:5")};
-        QTest::newRow("nothing at all") << QByteArray() << QStringList{QStringLiteral("QMap()")};
-        QTest::newRow("no end record: by address, the last one stands")
-            << record(0, 16, "B") + record(0, 0, "A") + record(0, 16, "C")
-            << QStringList{QStringLiteral("QMap((0, \"A\")(16, \"C\"))")};
-        QTest::newRow("start segment moves the base")
-            << record(3, 0, QByteArray("\x10\x00\x56\x78", 4)) + record(0, 1, "A")
-            << QStringList{QStringLiteral("QMap((65537, \"A\"))")};
-        QTest::newRow("linear base comes out sixteen times too high")
-            << record(4, 0, QByteArray("\x00\x01", 2)) + record(0, 1, "A")
-            << QStringList{QStringLiteral("QMap((1048577, \"A\"))")};
-    }
     void hexLog()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(QStringList, lines);
-        const LogCapture log;
-        hex2bin::hexToBin(text);
-        QCOMPARE(log.lines(), lines);
+        const std::pair<QByteArray, QString> texts[] = {
+            {":0400000001020304F3\n", QStringLiteral("Checksum error at line::0400000001020304F3")},
+            {record(5, 0, "1234"), QStringLiteral("Unsupported record type:5")},
+            {{}, QStringLiteral("QMap()")},
+            // No end record: by address, the last one stands.
+            {record(0, 16, "B") + record(0, 0, "A") + record(0, 16, "C"),
+             QStringLiteral("QMap((0, \"A\")(16, \"C\"))")},
+            // A start segment moves the base; a linear base comes out sixteen times too high.
+            {record(3, 0, hex("10005678")) + record(0, 1, "A"), QStringLiteral("QMap((65537, \"A\"))")},
+            {record(4, 0, hex("0001")) + record(0, 1, "A"), QStringLiteral("QMap((1048577, \"A\"))")}};
+        for (const auto &[text, line] : texts) {
+            const LogCapture log;
+            hex2bin::hexToBin(text);
+            QCOMPARE(log.lines(), QStringList{line});
+        }
     }
     void asObjcopyMakesIt()
     {
@@ -163,32 +151,26 @@ private Q_SLOTS:
         for (const char *name : {"app.bin", "app.hex.bin", "hex"})
             QCOMPARE(firmwareImage(QLatin1String(name), text, false), text);
     }
-    void files_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::addColumn<int>("error");
-        QTest::newRow("binary") << "a.bin" << QByteArray("firmware") << 0;
-        QTest::newRow("missing") << "none.bin" << QByteArray() << -1;
-        QTest::newRow("folder") << "." << QByteArray() << -2;
-        QTest::newRow("empty") << "empty.bin" << QByteArray("") << -3;
-        QTest::newRow("only an end record") << "end.hex" << kEnd << -3;
-        QTest::newRow("bad sum") << "bad.HEX" << QByteArray(":0100000041BE\n:0100000041BF\n") << -3;
-    }
     void files()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
-        QFETCH(int, error);
+        const std::tuple<QString, QByteArray, int> files[] = {
+            {QStringLiteral("a.bin"), "firmware", 0},
+            {QStringLiteral("none.bin"), {}, -1},
+            {QStringLiteral("."), {}, -2},
+            {QStringLiteral("empty.bin"), "", -3},
+            {QStringLiteral("end.hex"), kEnd, -3},
+            {QStringLiteral("bad.HEX"), ":0100000041BE\n:0100000041BF\n", -3}};
         const LogCapture quiet;
         const QTemporaryDir folder;
-        QFile file(folder.filePath(name));
-        QVERIFY(content.isNull() || (file.open(QIODevice::WriteOnly) && file.write(content) >= 0));
-        file.close();
-        const FirmwareFile loaded = loadFirmware(file.fileName(), false);
-        QCOMPARE(loaded.error, error);
-        QCOMPARE(loaded.name, error == 0 ? name : QString());
-        QCOMPARE(loaded.image, error == 0 ? content + QByteArray(8, '\xFF') : QByteArray());
+        for (const auto &[name, content, error] : files) {
+            QFile file(folder.filePath(name));
+            QVERIFY(content.isNull() || (file.open(QIODevice::WriteOnly) && file.write(content) >= 0));
+            file.close();
+            const FirmwareFile loaded = loadFirmware(file.fileName(), false);
+            QCOMPARE(loaded.error, error);
+            QCOMPARE(loaded.name, error == 0 ? name : QString());
+            QCOMPARE(loaded.image, error == 0 ? content + QByteArray(8, '\xFF') : QByteArray());
+        }
     }
 };
 

@@ -12,8 +12,7 @@
 
 #include <functional>
 #include <memory>
-
-Q_DECLARE_METATYPE(std::function<void(UpdateTab &)>)
+#include <tuple>
 
 namespace {
 
@@ -92,38 +91,26 @@ private Q_SLOTS:
         QCOMPARE(bench.loader(Road::Ch341).imageName(), QByteArray("APP.HEX"));
         QCOMPARE(bench.writes(Road::Ch341, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 00"));
     }
-    void ended_data()
-    {
-        QTest::addColumn<Road>("road");
-        QTest::addColumn<int>("act");
-        QTest::addColumn<int>("frame");
-        QTest::addColumn<QString>("result");
-        const auto add = [](const char *name, Road road, SimBootAct act, int frame, const QString &result) {
-            QTest::newRow(name) << road << static_cast<int>(act) << frame << result;
-        };
-        add("CH341, power cut at the first block", Road::Ch341, SimBootAct::PowerCut, 1, kTimeout);
-        // A poll of one byte never sees five of them.
-        add("CH347, cancelled at the last block", Road::Ch347, SimBootAct::Cancel, 2, kTimeout);
-        add("serial, cancelled at the header", Road::Uart, SimBootAct::Cancel, 0, kCancelled);
-        add("serial, power cut at the end of file", Road::Uart, SimBootAct::PowerCut, 3, kTimeout);
-    }
     void ended()
     {
-        QFETCH(Road, road);
-        QFETCH(int, act);
-        QFETCH(int, frame);
-        QFETCH(QString, result);
-        UpdateBench bench;
-        bench.loader(road).schedule(static_cast<SimBootAct>(act), frame);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench, road));
-        tab.chooseFile(testImage(1300));
-        QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
-        QVERIFY(tab.runToEnd());
-        QCOMPARE(tab.result->text(), result);
-        QCOMPARE(failures.count(), 1);
-        checkIdle(bench, tab);
-        checkNextTry(bench, tab, road);
+        const std::tuple<Road, SimBootAct, int, QString> ends[] = {
+            {Road::Ch341, SimBootAct::PowerCut, 1, kTimeout},
+            {Road::Ch347, SimBootAct::Cancel, 2, kTimeout}, // a poll of one byte never sees five of them
+            {Road::Uart, SimBootAct::Cancel, 0, kCancelled},
+            {Road::Uart, SimBootAct::PowerCut, 3, kTimeout}};
+        for (const auto &[road, act, frame, result] : ends) {
+            UpdateBench bench;
+            bench.loader(road).schedule(act, frame);
+            UpdateTab tab;
+            QVERIFY(tab.enter(bench, road));
+            tab.chooseFile(testImage(1300));
+            QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
+            QVERIFY(tab.runToEnd());
+            QCOMPARE(tab.result->text(), result);
+            QCOMPARE(failures.count(), 1);
+            checkIdle(bench, tab);
+            checkNextTry(bench, tab, road);
+        }
     }
     void cableIsPulled()
     {
@@ -154,12 +141,9 @@ private Q_SLOTS:
         tab.reset->setCurrentIndex(2);
         checkNextTry(bench, tab, Road::Uart);
     }
-    void brokenOffByTheUser_data()
+    void brokenOffByTheUser()
     {
         using Act = std::function<void(UpdateTab &)>;
-        QTest::addColumn<Road>("road");
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<QString>("result");
         const Act cancel = [](UpdateTab &tab) {
             tab.start->click();
             QVERIFY(!tab.isBusy());
@@ -172,31 +156,28 @@ private Q_SLOTS:
             tab.ch347->click();
             QVERIFY(tab.isBusy());
         };
-        QTest::newRow("CH341, cancelled") << Road::Ch341 << cancel << kCancelled;
-        QTest::newRow("serial, cancelled") << Road::Uart << cancel << kCancelled;
-        QTest::newRow("CH347, tab is left") << Road::Ch347 << leave << kTimeout;
-        QTest::newRow("CH341, interface changes") << Road::Ch341 << change << kTimeout;
-    }
-    void brokenOffByTheUser()
-    {
-        QFETCH(Road, road);
-        QFETCH(std::function<void(UpdateTab &)>, act);
-        QFETCH(QString, result);
-        UpdateBench bench;
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench, road));
-        QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
-        startAndWaitForTheMiddle(tab);
-        act(tab);
-        QVERIFY(!bench.ch341->isOpen() && !bench.ch347->isOpen());
-        QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), result, 20000);
-        QCOMPARE(failures.count(), 1);
-        QTRY_VERIFY(m_log->contains(QStringLiteral("ymodem delete")));
-        // The cancel bytes come too late on a bridge.
-        const QStringList written = bench.writes(Road::Ch341, UpdateBench::kAddress) +
-                                    bench.writes(Road::Ch347, UpdateBench::kAddress);
-        QCOMPARE(written.filter(QStringLiteral("1818181818181818")), QStringList());
-        checkNextTry(bench, tab, road);
+        const std::tuple<Road, Act, QString> breaks[] = {{Road::Ch341, cancel, kCancelled},
+                                                         {Road::Uart, cancel, kCancelled},
+                                                         {Road::Ch347, leave, kTimeout},
+                                                         {Road::Ch341, change, kTimeout}};
+        for (const auto &[road, act, result] : breaks) {
+            m_log->clear();
+            UpdateBench bench;
+            UpdateTab tab;
+            QVERIFY(tab.enter(bench, road));
+            QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
+            startAndWaitForTheMiddle(tab);
+            act(tab);
+            QVERIFY(!bench.ch341->isOpen() && !bench.ch347->isOpen());
+            QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), result, 20000);
+            QCOMPARE(failures.count(), 1);
+            QTRY_VERIFY(m_log->contains(QStringLiteral("ymodem delete")));
+            // The cancel bytes come too late on a bridge.
+            const QStringList written = bench.writes(Road::Ch341, UpdateBench::kAddress) +
+                                        bench.writes(Road::Ch347, UpdateBench::kAddress);
+            QCOMPARE(written.filter(QStringLiteral("1818181818181818")), QStringList());
+            checkNextTry(bench, tab, road);
+        }
     }
     void startedAgainRightAfterACancel()
     {

@@ -9,6 +9,7 @@
 #include <QtTest>
 
 #include <memory>
+#include <tuple>
 
 namespace {
 
@@ -40,44 +41,34 @@ private Q_SLOTS:
         m_log->clear();
     }
     void cleanup() { m_log.reset(); }
-    void framesOfATransfer_data()
+    void framesOfATransfer()
     {
-        QTest::addColumn<int>("size");
-        QTest::addColumn<QByteArray>("header");
-        QTest::addColumn<QList<QByteArray>>("blocks");
+        using Blocks = QList<QByteArray>;
         const auto block = [](const char *head, int filled, int size, char filler, const char *crc) {
             return hex(head) + QByteArray(filled, 'U').leftJustified(size, filler) + hex(crc) + hex("000000");
         };
-        using Blocks = QList<QByteArray>;
-        const QByteArray first = block("0201FE", 1024, 1024, 0, "407C");
-        QTest::newRow("empty: ends with its header") << 0 << hex("4312") << Blocks{};
-        QTest::newRow("1 byte") << 1 << hex("0047") << Blocks{block("0101FE", 1, 128, 0x1A, "20B2")};
-        QTest::newRow("full small block")
-            << 128 << hex("198F") << Blocks{block("0101FE", 128, 128, 0, "5B67")};
-        QTest::newRow("tail of the first large block is zeros")
-            << 500 << hex("899C") << Blocks{block("0201FE", 500, 1024, 0, "2525")};
-        QTest::newRow("full large block") << 1024 << hex("BC73") << Blocks{first};
-        QTest::newRow("large and small block")
-            << 1100 << hex("6172") << Blocks{first, block("0102FD", 76, 128, 0x1A, "C30F")};
-        QTest::newRow("two large blocks")
-            << 1300 << hex("8549") << Blocks{first, block("0202FD", 276, 1024, 0x1A, "6A60")};
-    }
-
-    void framesOfATransfer()
-    {
-        QFETCH(int, size);
-        QFETCH(QByteArray, header);
-        QFETCH(QList<QByteArray>, blocks);
-        SimBootLoader loader;
-        SenderBench bench(QByteArray(size, 'U'), &loader);
-        QVERIFY(bench.runToEnd());
-        const auto headerFrame = [](const QByteArray &data, const QByteArray &crc) {
-            return hex("0100FF") + data.leftJustified(128, '\0') + crc + hex("000000");
+        const auto headerFrame = [](const QByteArray &data, const char *crc) {
+            return hex("0100FF") + data.leftJustified(128, '\0') + hex(crc) + hex("000000");
         };
-        QList<QByteArray> frames{headerFrame(hex("612E62696E00") + QByteArray::number(size), header)};
-        if (size > 0)
-            frames += blocks + QList<QByteArray>{hex("04000000"), headerFrame({}, hex("0000"))};
-        QCOMPARE(bench.writes, frames);
+        const QByteArray first = block("0201FE", 1024, 1024, 0, "407C");
+        // Nothing ends with its header. The tail of the first large block is zeros.
+        const std::tuple<int, const char *, Blocks> images[] = {
+            {0, "4312", {}},
+            {1, "0047", {block("0101FE", 1, 128, 0x1A, "20B2")}},
+            {128, "198F", {block("0101FE", 128, 128, 0, "5B67")}},
+            {500, "899C", {block("0201FE", 500, 1024, 0, "2525")}},
+            {1024, "BC73", {first}},
+            {1100, "6172", {first, block("0102FD", 76, 128, 0x1A, "C30F")}},
+            {1300, "8549", {first, block("0202FD", 276, 1024, 0x1A, "6A60")}}};
+        for (const auto &[size, header, blocks] : images) {
+            SimBootLoader loader;
+            SenderBench bench(QByteArray(size, 'U'), &loader);
+            QVERIFY(bench.runToEnd());
+            Blocks frames{headerFrame(hex("612E62696E00") + QByteArray::number(size), header)};
+            if (size > 0)
+                frames += blocks + Blocks{hex("04000000"), headerFrame({}, "0000")};
+            QCOMPARE(bench.writes, frames);
+        }
     }
 
     void wholeImages()
@@ -324,32 +315,25 @@ private Q_SLOTS:
             }
         }
     }
-    void cutAtEveryByte_data()
-    {
-        QTest::addColumn<bool>("isSerial");
-        QTest::addColumn<QByteArray>("silence");
-        QTest::newRow("CH341") << false << hex("FF");
-        QTest::newRow("CH347") << false << QByteArray();
-        QTest::newRow("serial") << true << QByteArray();
-    }
     void cutAtEveryByte()
     {
-        QFETCH(bool, isSerial);
-        QFETCH(QByteArray, silence);
         constexpr int allBytes = 136 + 1032 + 136 + 4 + 136; // header, two blocks, end, empty header
-        for (int bytes = 0; bytes <= allBytes; ++bytes) {
-            SimBootLoader loader;
-            SenderBench cut(pattern(1030), &loader);
-            cut.isSerial = isSerial;
-            cut.bytesUntilCut = bytes;
-            cut.silence = silence;
-            QVERIFY(cut.runToEnd());
-            QCOMPARE(cut.timeouts.count(), 1);
-            SenderBench next(pattern(1030), &loader);
-            next.isSerial = isSerial;
-            QVERIFY(next.runToEnd());
-            QVERIFY2(next.successes.count() == 1, qPrintable(QString::number(bytes)));
-            QVERIFY(loader.image() == pattern(1030));
+        // What a CH341, a CH347 and a serial line give when nobody answers.
+        for (const auto &[isSerial, silence] : {std::pair(false, hex("FF")), {false, {}}, {true, {}}}) {
+            for (int bytes = 0; bytes <= allBytes; ++bytes) {
+                SimBootLoader loader;
+                SenderBench cut(pattern(1030), &loader);
+                cut.isSerial = isSerial;
+                cut.bytesUntilCut = bytes;
+                cut.silence = silence;
+                QVERIFY(cut.runToEnd());
+                QCOMPARE(cut.timeouts.count(), 1);
+                SenderBench next(pattern(1030), &loader);
+                next.isSerial = isSerial;
+                QVERIFY(next.runToEnd());
+                QVERIFY2(next.successes.count() == 1, qPrintable(QString::number(bytes)));
+                QVERIFY(loader.image() == pattern(1030));
+            }
         }
     }
 
