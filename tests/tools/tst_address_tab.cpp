@@ -95,8 +95,8 @@ private Q_SLOTS:
         QCOMPARE(tab.target->text(), QStringLiteral("0x61"));
     }
 
-    void setsAnAddress_data() { LinkBench::addRows(); }
-    void setsAnAddress()
+    void setsAnAddressAndFollowsTheSensor_data() { LinkBench::addRows(); }
+    void setsAnAddressAndFollowsTheSensor()
     {
         QFETCH(Kind, kind);
         LinkBench bench(kind);
@@ -127,18 +127,7 @@ private Q_SLOTS:
         QCOMPARE(bench.writesTo(0x00).count(QStringLiteral("aa5500700000006100d001")), 1);
         QVERIFY(log.contains(QStringLiteral("set addr:0x61")));
         QTRY_COMPARE(tab.result->text(), QString());
-    }
 
-    void followsTheSensorUntilItIsClosed_data() { LinkBench::addRows(); }
-    void followsTheSensorUntilItIsClosed()
-    {
-        QFETCH(Kind, kind);
-        LinkBench bench(kind);
-        const LogCapture log;
-        const auto sensor = bench.plugSensor(0x05, kChannelOfBoard1);
-        AddressTab tab;
-        tab.open(bench);
-        QTRY_COMPARE(tab.state->text(), kConnected);
         bench.unplug(sensor);
         QTRY_COMPARE(tab.state->text(), kGone);
         bench.plug(sensor, kChannelOfBoard1);

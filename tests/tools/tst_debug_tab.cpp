@@ -174,13 +174,8 @@ private Q_SLOTS:
         }
     }
 
-    void writesAndReads_data()
+    void writesAndReads()
     {
-        QTest::addColumn<Kind>("kind");
-        QTest::addColumn<uint8_t>("busAddress");
-        QTest::addColumn<QString>("wire");
-        QTest::addColumn<QString>("nobody");
-        QTest::addColumn<QString>("failed");
         const QString zeros = QStringLiteral("读:校验成功\n地址:0x22\n长度:4\n命令:0x00,0x00,0x00,0x00");
         const QString nothing = QStringLiteral("读:校验失败:0x0000\n地址:0x22\n长度:0\n命令:");
         const QString high =
@@ -188,55 +183,52 @@ private Q_SLOTS:
         // Only on a serial line the address is put in. Where nobody answers the bus stays high; the CH347
         // reports it.
         const QString toBus = QStringLiteral("aa55007100000000007001");
-        QTest::newRow("serial") << Kind::Serial << uint8_t{0} << QStringLiteral("aa5561710000000000d101")
-                                << nothing << nothing;
-        QTest::newRow("ch341") << Kind::Ch341 << uint8_t{0x61} << toBus << high << zeros;
-        QTest::newRow("ch347") << Kind::Ch347 << uint8_t{0x61} << toBus << nothing << nothing;
-    }
+        const std::tuple<Kind, uint8_t, QString, QString, QString> links[] = {
+            {Kind::Serial, uint8_t{0}, QStringLiteral("aa5561710000000000d101"), nothing, nothing},
+            {Kind::Ch341, uint8_t{0x61}, toBus, high, zeros},
+            {Kind::Ch347, uint8_t{0x61}, toBus, nothing, nothing}};
+        for (const auto &[kind, busAddress, wire, nobody, failed] : links) {
+            LinkBench bench(kind);
+            bench.plugSensor(0x61);
+            DebugTab tab;
+            QCOMPARE(tab.address->value(), 0x6F);
+            QCOMPARE(tab.delay->value(), 50);
+            tab.open(bench);
+            tab.address->setValue(0x61);
+            tab.press("pbtnCh341Write");
+            tab.press("pbtnCh341Read");
+            QCOMPARE(tab.entries(),
+                     (QStringList{QStringLiteral("写:\n地址:0x61\n长度:0\n命令:"),
+                                  QStringLiteral("读:校验失败:0x0000\n地址:0x61\n长度:0\n命令:")}));
+            QVERIFY(bench.writesTo(busAddress).isEmpty());
+            QCOMPARE(bench.bus->journal().count(SimRecord::Kind::Read), 0);
+            tab.press("pbtnDebugLogClear");
 
-    void writesAndReads()
-    {
-        QFETCH(Kind, kind);
-        QFETCH(uint8_t, busAddress);
-        QFETCH(QString, wire);
-        LinkBench bench(kind);
-        bench.plugSensor(0x61);
-        DebugTab tab;
-        QCOMPARE(tab.address->value(), 0x6F);
-        QCOMPARE(tab.delay->value(), 50);
-        tab.open(bench);
-        tab.address->setValue(0x61);
-        tab.press("pbtnCh341Write");
-        tab.press("pbtnCh341Read");
-        QCOMPARE(tab.entries(),
-                 (QStringList{QStringLiteral("写:\n地址:0x61\n长度:0\n命令:"),
-                              QStringLiteral("读:校验失败:0x0000\n地址:0x61\n长度:0\n命令:")}));
-        QVERIFY(bench.writesTo(busAddress).isEmpty());
-        QCOMPARE(bench.bus->journal().count(SimRecord::Kind::Read), 0);
-        tab.press("pbtnDebugLogClear");
+            QTest::keyClicks(tab.typed, QStringLiteral("aa5500710000000000"));
+            tab.check->setChecked(true);
+            tab.length->setValue(bench.line ? 3 : 11); // a serial line gives what has piled up
+            tab.delay->setValue(1000);
+            // Pressed again while it waits, it does nothing.
+            QTimer::singleShot(20, &tab.form, [&tab] { tab.press("pbtnCh341WR"); });
+            tab.press("pbtnCh341WR");
+            QCOMPARE(bench.writesTo(busAddress), QStringList{wire});
+            QCOMPARE(tab.entries().size(), 2);
+            QVERIFY(
+                tab.entries().at(0).startsWith(QStringLiteral("写:\n地址:0x61\n长度:11\n命令:0xaa,0x55,0x")));
+            QCOMPARE(
+                tab.entries().at(1),
+                QStringLiteral("读:校验成功\n地址:0x61\n长度:11\n命令:0x55,0xaa,0x61,0xf1,0x00,0x00,0x00,"
+                               "0x61,0x00,0xb2,0x02"));
 
-        QTest::keyClicks(tab.typed, QStringLiteral("aa5500710000000000"));
-        tab.check->setChecked(true);
-        tab.length->setValue(bench.line ? 3 : 11); // a serial line gives what has piled up
-        tab.delay->setValue(1000);
-        // Pressed again while it waits, it does nothing.
-        QTimer::singleShot(20, &tab.form, [&tab] { tab.press("pbtnCh341WR"); });
-        tab.press("pbtnCh341WR");
-        QCOMPARE(bench.writesTo(busAddress), QStringList{wire});
-        QCOMPARE(tab.entries().size(), 2);
-        QVERIFY(tab.entries().at(0).startsWith(QStringLiteral("写:\n地址:0x61\n长度:11\n命令:0xaa,0x55,0x")));
-        QCOMPARE(tab.entries().at(1),
-                 QStringLiteral("读:校验成功\n地址:0x61\n长度:11\n命令:0x55,0xaa,0x61,0xf1,0x00,0x00,0x00,"
-                                "0x61,0x00,0xb2,0x02"));
-
-        tab.address->setValue(0x22);
-        tab.length->setValue(4);
-        tab.press("pbtnCh341Read");
-        QTEST(tab.entries().last(), "nobody");
-        if (bench.bridge)
-            bench.bridge->failTransfers();
-        tab.press("pbtnCh341Read");
-        QTEST(tab.entries().last(), "failed");
+            tab.address->setValue(0x22);
+            tab.length->setValue(4);
+            tab.press("pbtnCh341Read");
+            QCOMPARE(tab.entries().last(), nobody);
+            if (bench.bridge)
+                bench.bridge->failTransfers();
+            tab.press("pbtnCh341Read");
+            QCOMPARE(tab.entries().last(), failed);
+        }
     }
 
     void clockFollowsTheBox()
