@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <tuple>
+
 namespace {
 
 using Ids = QVector<uint16_t>;
@@ -196,52 +198,43 @@ private Q_SLOTS:
         QCOMPARE(log.contains(QString::fromLatin1(text)), isCh341);
     }
 
-    void ch341Packets_data()
-    {
-        // H is the head, [n] the next n bytes of the payload, "3*" three packets alike.
-        QTest::addColumn<int>("length");
-        QTest::addColumn<QString>("written");
-        QTest::addColumn<QString>("read");
-        const auto row = [](int length, const char *written, const char *read) {
-            QTest::addRow("%d", length)
-                << length << QString::fromLatin1(written) << QString::fromLatin1(read);
-        };
-        row(1, "H81[1]7500", "HC07500");
-        row(5, "H85[5]7500", "HC4C07500");
-        row(19, "H93[19]7500", "HD2C07500");
-        row(20, "H94[20]00|AA7500", "HD3C07500");
-        row(21, "H94[20]00|AA81[1]7500", "HD4C07500");
-        row(29, "H94[20]00|AA89[9]7500", "HDCC07500");
-        row(30, "H94[20]00|AA8A[10]7500", "HDDC07500");
-        row(31, "H94[20]00|AA8B[11]7500", "HDE00|AAC07500");
-        row(60, "H94[20]00|2*AA94[20]00|AA7500", "HDE00|AADDC07500");
-        row(189, "H94[20]00|8*AA94[20]00|AA89[9]7500", "HDE00|5*AADE00|AAC8C07500");
-        row(600, "H94[20]00|29*AA94[20]00|AA7500", "HDE00|18*AADE00|AADDC07500");
-    }
-
     void ch341Packets()
     {
-        QFETCH(int, length);
-        QFETCH(QString, written);
-        QFETCH(QString, read);
-        OpenLink<class_ch341> link;
-        QByteArray data(length + 1, '\xEE');
-        auto *bytes = reinterpret_cast<uint8_t *>(data.data());
-        // Before any speed has been set, the pauses are those of 100 kHz.
-        for (const int speed : {-1, 0, 1, 2, 3}) {
-            if (speed >= 0)
-                link.setIICSpeed(static_cast<ch341_iic_speed_te>(speed));
-            vendor().takeCalls();
-            vendor().nextByte = 1;
-            QCOMPARE(int(link.read(0x50, bytes, static_cast<uint16_t>(length))), length);
-            for (int i = 0; i < length; ++i)
-                QCOMPARE(bytes[i], static_cast<uint8_t>(i + 1));
-            QCOMPARE(bytes[length], uint8_t{0xEE});
-            QCOMPARE(vendor().takeCalls(),
-                     expectedCalls(read, QStringLiteral("read 0 63x1 "), head(std::abs(speed), true), data));
-            QCOMPARE(int(link.write(0x50, bytes, static_cast<uint16_t>(length))), length);
-            QCOMPARE(vendor().takeCalls(),
-                     expectedCalls(written, QStringLiteral("write 0 "), head(std::abs(speed), false), data));
+        // H is the head, [n] the next n bytes of the payload, "3*" three packets alike.
+        const std::tuple<int, const char *, const char *> transfers[] = {
+            {1, "H81[1]7500", "HC07500"},
+            {5, "H85[5]7500", "HC4C07500"},
+            {19, "H93[19]7500", "HD2C07500"},
+            {20, "H94[20]00|AA7500", "HD3C07500"},
+            {21, "H94[20]00|AA81[1]7500", "HD4C07500"},
+            {29, "H94[20]00|AA89[9]7500", "HDCC07500"},
+            {30, "H94[20]00|AA8A[10]7500", "HDDC07500"},
+            {31, "H94[20]00|AA8B[11]7500", "HDE00|AAC07500"},
+            {60, "H94[20]00|2*AA94[20]00|AA7500", "HDE00|AADDC07500"},
+            {189, "H94[20]00|8*AA94[20]00|AA89[9]7500", "HDE00|5*AADE00|AAC8C07500"},
+            {600, "H94[20]00|29*AA94[20]00|AA7500", "HDE00|18*AADE00|AADDC07500"}};
+        for (const auto &[length, written, read] : transfers) {
+            OpenLink<class_ch341> link;
+            QByteArray data(length + 1, '\xEE');
+            auto *bytes = reinterpret_cast<uint8_t *>(data.data());
+            // Before any speed has been set, the pauses are those of 100 kHz.
+            for (const int speed : {-1, 0, 1, 2, 3}) {
+                if (speed >= 0)
+                    link.setIICSpeed(static_cast<ch341_iic_speed_te>(speed));
+                vendor().takeCalls();
+                vendor().nextByte = 1;
+                QCOMPARE(int(link.read(0x50, bytes, static_cast<uint16_t>(length))), length);
+                for (int i = 0; i < length; ++i)
+                    QCOMPARE(bytes[i], static_cast<uint8_t>(i + 1));
+                QCOMPARE(bytes[length], uint8_t{0xEE});
+                QCOMPARE(vendor().takeCalls(),
+                         expectedCalls(QLatin1String(read), QStringLiteral("read 0 63x1 "),
+                                       head(std::abs(speed), true), data));
+                QCOMPARE(int(link.write(0x50, bytes, static_cast<uint16_t>(length))), length);
+                QCOMPARE(vendor().takeCalls(),
+                         expectedCalls(QLatin1String(written), QStringLiteral("write 0 "),
+                                       head(std::abs(speed), false), data));
+            }
         }
     }
 

@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <memory>
+#include <tuple>
 
 namespace {
 
@@ -22,63 +23,54 @@ class tst_sensor_link : public QObject
 private Q_SLOTS:
     void init() { vendor().reset(); }
 
-    void bridges_data()
-    {
-        QTest::addColumn<int>("kind");
-        QTest::addColumn<QByteArrayList>("calls"); // open, usual bus, bus at 400 kHz, reset, write, read
-        QTest::newRow("ch341") << 1
-                               << QByteArrayList{"open 0|reset 0|flush 0",
-                                                 "speed 0 1",
-                                                 "speed 0 2",
-                                                 kCh341Reset,
-                                                 "write 0 AA7481A04F4F4F82AA557500",
-                                                 "read 0 63x1 AA7481A14F4F4FC1C07500"};
-        QTest::newRow("ch347") << 2
-                               << QByteArrayList{"open 0",
-                                                 "speed 0 1|driver 0 1|stretch 0 1",
-                                                 "speed 0 2|stretch 0 1",
-                                                 "gpio 0 01 01 00|gpio 0 01 01 01|i2c 0 E000 +0",
-                                                 "i2c 0 A0AA55 +0",
-                                                 "i2c 0 A1 +2"};
-    }
-
     void bridges()
     {
-        QFETCH(int, kind);
-        QFETCH(QByteArrayList, calls);
-        vendor().setIds({1002});
-        vendor().pins = 0x0000F5A5;
-        auto link = std::make_unique<SensorLink>(static_cast<SensorLink::Kind>(kind));
-        QCOMPARE(link->name(), QTest::currentDataTag());
-        QVERIFY(link->isBridge() && link->port() == nullptr);
-        QSignalSpy opened(link.get(), &SensorLink::opened);
-        QSignalSpy closed(link.get(), &SensorLink::closed);
-        QSignalSpy lists(link.get(), &SensorLink::devicesListed);
-        link->scan();
-        QCOMPARE(lists[0][0].toStringList(), QStringList(QStringLiteral("1002")));
-        vendor().takeCalls();
+        // Opened, on the usual bus, on the bus at 400 kHz, reset, written, read.
+        const std::tuple<SensorLink::Kind, const char *, QByteArrayList> links[] = {
+            {SensorLink::Kind::Ch341,
+             "ch341",
+             {"open 0|reset 0|flush 0", "speed 0 1", "speed 0 2", kCh341Reset,
+              "write 0 AA7481A04F4F4F82AA557500", "read 0 63x1 AA7481A14F4F4FC1C07500"}},
+            {SensorLink::Kind::Ch347,
+             "ch347",
+             {"open 0", "speed 0 1|driver 0 1|stretch 0 1", "speed 0 2|stretch 0 1",
+              "gpio 0 01 01 00|gpio 0 01 01 01|i2c 0 E000 +0", "i2c 0 A0AA55 +0", "i2c 0 A1 +2"}}};
+        for (const auto &[kind, name, calls] : links) {
+            vendor().reset();
+            vendor().setIds({1002});
+            vendor().pins = 0x0000F5A5;
+            auto link = std::make_unique<SensorLink>(kind);
+            QCOMPARE(link->name(), name);
+            QVERIFY(link->isBridge() && link->port() == nullptr);
+            QSignalSpy opened(link.get(), &SensorLink::opened);
+            QSignalSpy closed(link.get(), &SensorLink::closed);
+            QSignalSpy lists(link.get(), &SensorLink::devicesListed);
+            link->scan();
+            QCOMPARE(lists[0][0].toStringList(), QStringList(QStringLiteral("1002")));
+            vendor().takeCalls();
 
-        QByteArray buffer(3, '\x55');
-        auto *bytes = reinterpret_cast<uint8_t *>(buffer.data());
-        QCOMPARE(link->write(0x50, "\xAA") + link->read(0x50, bytes, 2), 0);
-        QVERIFY(link->open(QStringLiteral("1002")) && link->isOpen());
-        link->setUpSensorBus();
-        link->setUpBusAtSpeed(BusSpeed::Khz400);
-        link->pcaReset();
-        QCOMPARE(link->write(0x50, "\xAA\x55"), 2);
-        QCOMPARE(link->read(0x50, bytes, 2), 2);
-        QCOMPARE(vendor().takeCalls().toLatin1(), calls.join('|'));
-        QCOMPARE(buffer, QByteArray("\x00\x01\x55", 3));
+            QByteArray buffer(3, '\x55');
+            auto *bytes = reinterpret_cast<uint8_t *>(buffer.data());
+            QCOMPARE(link->write(0x50, "\xAA") + link->read(0x50, bytes, 2), 0);
+            QVERIFY(link->open(QStringLiteral("1002")) && link->isOpen());
+            link->setUpSensorBus();
+            link->setUpBusAtSpeed(BusSpeed::Khz400);
+            link->pcaReset();
+            QCOMPARE(link->write(0x50, "\xAA\x55"), 2);
+            QCOMPARE(link->read(0x50, bytes, 2), 2);
+            QCOMPARE(vendor().takeCalls().toLatin1(), calls.join('|'));
+            QCOMPARE(buffer, QByteArray("\x00\x01\x55", 3));
 
-        link->close();
-        QVERIFY(!link->isOpen());
-        QVERIFY(link->open(QStringLiteral("1002")));
-        vendor().takeCalls();
-        // Its end closes the device, of which nobody hears.
-        link.reset();
-        QCOMPARE(vendor().takeCalls(), QLatin1String("close 0|notify off 0"));
-        QCOMPARE(opened.size(), 2);
-        QCOMPARE(closed.size(), 1);
+            link->close();
+            QVERIFY(!link->isOpen());
+            QVERIFY(link->open(QStringLiteral("1002")));
+            vendor().takeCalls();
+            // Its end closes the device, of which nobody hears.
+            link.reset();
+            QCOMPARE(vendor().takeCalls(), QLatin1String("close 0|notify off 0"));
+            QCOMPARE(opened.size(), 2);
+            QCOMPARE(closed.size(), 1);
+        }
     }
 
     void unwantedLists()
