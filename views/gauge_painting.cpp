@@ -116,11 +116,11 @@ GaugeSize gaugeSize(int width, int height, bool halo)
     return {std::max(bound - arrowWidth, kSmallestRadius), arrowWidth};
 }
 
-void paintGauge(QPainter &painter, const GaugeLook &look)
+void paintGauge(QPainter &painter, int width, int height, const GaugeLook &look)
 {
     painter.setRenderHint(QPainter::Antialiasing);
-    const QPoint centre(look.width / 2, look.height / 2);
-    const GaugeSize size = gaugeSize(look.width, look.height, look.halo);
+    const QPoint centre(width / 2, height / 2);
+    const GaugeSize size = gaugeSize(width, height, look.halo);
     if (look.halo && look.haloBrush.color() != QColor(Qt::white)) {
         painter.setOpacity(0.8);
         drawPlainDisc(painter, centre, static_cast<int>(size.radius * 1.5), look.haloBrush.color());
