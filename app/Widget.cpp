@@ -19,27 +19,19 @@ void startOrStop(Form *form, bool start)
 
 Widget::Widget(QWidget *parent)
     : QWidget(parent)
-    , ui(new Ui::Widget)
+    , ui(std::make_unique<Ui::Widget>())
 {
     // Ahead of the boxes, so that it sees them all come.
     QCoreApplication::instance()->installEventFilter(new InputGuard(this));
     ui->setupUi(this);
     setWindowTitle(QObject::tr("触觉传感器上位机"));
     ui->tabWidget->setCurrentIndex(0);
-    objInit();
+    connect(ui->tabWidget, &QTabWidget::currentChanged, this, &Widget::startOnly);
     // Starts the first tab; the change of index above came before anybody listened.
     Q_EMIT ui->tabWidget->currentChanged(0);
 }
 
-Widget::~Widget()
-{
-    delete ui;
-}
-
-void Widget::objInit()
-{
-    connect(ui->tabWidget, &QTabWidget::currentChanged, this, &Widget::startOnly);
-}
+Widget::~Widget() = default;
 
 // Always in tab order, so a form may start before a later one has stopped.
 void Widget::startOnly(int index)

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include <memory>
+
 namespace Ui {
 class Widget;
 }
@@ -16,8 +18,7 @@ public:
     ~Widget() override;
 
 private:
-    void objInit();
     void startOnly(int index);
 
-    Ui::Widget *ui;
+    std::unique_ptr<Ui::Widget> ui;
 };

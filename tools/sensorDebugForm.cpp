@@ -42,7 +42,7 @@ void spinEvents(int durationMs)
 
 sensorDebugForm::sensorDebugForm(QWidget *parent)
     : QWidget(parent)
-    , ui(std::make_unique<Ui_sensorDebugForm>())
+    , ui(std::make_unique<Ui::sensorDebugForm>())
 {
     qDebug("sensorDebugForm new");
     ui->setupUi(this);

@@ -8,7 +8,9 @@
 #include <cstdint>
 #include <memory>
 
-class Ui_sensorDebugForm;
+namespace Ui {
+class sensorDebugForm;
+}
 
 /// The tab for talking to a device by hand: any bytes to any address, any number of bytes back, all of it in
 /// a log. Between start() and stop() it owns a link of its own, which it uses from the user interface thread.
@@ -68,7 +70,7 @@ private:
     void writeAndRead();
     void appendLog(const QString &text);
 
-    const std::unique_ptr<Ui_sensorDebugForm> ui;
+    std::unique_ptr<Ui::sensorDebugForm> ui;
     std::unique_ptr<SensorLink> m_link;
     std::unique_ptr<ChannelBoxes> m_channels;
     bool m_waitsToRead = false;

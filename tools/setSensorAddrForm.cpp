@@ -28,7 +28,7 @@ void coupleSpinBoxes(QSpinBox *first, QSpinBox *second)
 
 setSensorAddrForm::setSensorAddrForm(QWidget *parent)
     : QWidget(parent)
-    , ui(std::make_unique<Ui_setSensorAddrForm>())
+    , ui(std::make_unique<Ui::setSensorAddrForm>())
     , timerScan(new QTimer(this))
     , timerAlive(new QTimer(this))
 {

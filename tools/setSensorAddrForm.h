@@ -10,7 +10,9 @@
 #include <cstdint>
 #include <memory>
 
-class Ui_setSensorAddrForm;
+namespace Ui {
+class setSensorAddrForm;
+}
 
 /// The tab that gives a sensor a new bus address. It talks to the general address, so exactly one sensor may
 /// be plugged in. Between start() and stop() it owns a link of its own, which it polls from the user
@@ -61,7 +63,7 @@ private:
     void sensorAnswered(const GeneralCall::Answer &answer);
     void countSilence();
 
-    const std::unique_ptr<Ui_setSensorAddrForm> ui;
+    std::unique_ptr<Ui::setSensorAddrForm> ui;
     uint8_t alive =
         0; ///< 0 while no sensor answers, else 1 plus the ticks of timerAlive since its last answer
     QPointer<QTimer> timerScan;
