@@ -264,9 +264,9 @@ SimDelivery SimSensor::answer(const QByteArray &request)
         return {};
     std::optional<QByteArray> payload;
     if (simReportsStatus(command) && m_refusals[command] != 0) {
-        payload = simStatusPayload(m_refusals[command]);
+        payload = simSinglePayload(m_refusals[command]);
     } else {
-        const auto upTime = static_cast<uint32_t>(simSeconds(m_poweredAt, SimClock::now()));
+        const auto upTime = std::chrono::duration_cast<std::chrono::seconds>(SimClock::now() - m_poweredAt);
         payload = simExecute({m_model, m_settings, m_values.status, m_counter.rateHz(), upTime}, request);
     }
     if (!payload)

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <type_traits>
 
 namespace {
 
@@ -27,13 +28,7 @@ QByteArray nothing(Context, Frame)
 
 QByteArray done(Context, Frame)
 {
-    return simStatusPayload(kDone);
-}
-
-// Five payload bytes of which the fourth carries the value, as single bytes do everywhere.
-QByteArray single(uint8_t value)
-{
-    return simStatusPayload(value);
+    return simSinglePayload(kDone);
 }
 
 QByteArray word(uint32_t value, uint8_t behind)
@@ -53,6 +48,12 @@ QByteArray listOf(const std::vector<Value> &values)
     return payload;
 }
 
+template<auto List>
+QByteArray list(Context context, Frame)
+{
+    return listOf(context.settings.*List);
+}
+
 void appendFloats(QByteArray &payload, const std::vector<float> &values)
 {
     for (const float value : values)
@@ -60,14 +61,16 @@ void appendFloats(QByteArray &payload, const std::vector<float> &values)
 }
 
 /// Stores the value that follows the channel byte into the channel's place of the list.
-template<typename Value>
-QByteArray storeOfChannel(std::vector<Value> &list, Frame request)
+template<auto List>
+QByteArray storeOfChannel(Context context, Frame request)
 {
+    auto &list = context.settings.*List;
     const std::size_t channel = byteOf(request, 4);
     if (channel >= list.size())
-        return simStatusPayload(kBadIndex);
-    list[channel] = static_cast<Value>(simValue(request, 5, static_cast<int>(sizeof(Value))));
-    return simStatusPayload(kDone);
+        return simSinglePayload(kBadIndex);
+    auto &value = list[channel];
+    value = static_cast<std::decay_t<decltype(value)>>(simValue(request, 5, static_cast<int>(sizeof(value))));
+    return simSinglePayload(kDone);
 }
 
 QByteArray storeFilter(Context context, Frame request)
@@ -75,11 +78,11 @@ QByteArray storeFilter(Context context, Frame request)
     SimSettings &settings = context.settings;
     const std::size_t channel = byteOf(request, 4);
     if (channel >= settings.filterDepths.size())
-        return simStatusPayload(kBadIndex);
+        return simSinglePayload(kBadIndex);
     settings.filterDepths[channel] = byteOf(request, 5);
     settings.filterLimits[channel] = byteOf(request, 6);
     settings.filterFactors[channel] = simFloat(simValue(request, 7, 4));
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray filters(Context context, Frame)
@@ -101,25 +104,25 @@ QByteArray dacs(Context context, Frame)
     return payload;
 }
 
-QByteArray storePressRelease(Context context, Frame request)
+template<auto Maximum, auto Scale>
+QByteArray release(Context context, Frame)
 {
-    context.settings.pressReleaseMaximum = simValue(request, 4, 4);
-    context.settings.pressReleaseScale = byteOf(request, 8);
-    return simStatusPayload(kDone);
+    return word(context.settings.*Maximum, context.settings.*Scale);
 }
 
-QByteArray storeProximityRelease(Context context, Frame request)
+template<auto Maximum, auto Scale>
+QByteArray storeRelease(Context context, Frame request)
 {
-    context.settings.proximityReleaseMaximum = simValue(request, 4, 4);
-    context.settings.proximityReleaseScale = byteOf(request, 8);
-    return simStatusPayload(kDone);
+    context.settings.*Maximum = simValue(request, 4, 4);
+    context.settings.*Scale = byteOf(request, 8);
+    return simSinglePayload(kDone);
 }
 
 QByteArray storeProximityClear(Context context, Frame request)
 {
     context.settings.proximityClearsTouch = byteOf(request, 4);
     context.settings.proximityClearDelayMs = simValue(request, 5, 4);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray proximityClear(Context context, Frame)
@@ -154,7 +157,7 @@ QByteArray storeTouchThreshold(Context context, Frame request)
 {
     std::fill(context.settings.thresholds.begin(), context.settings.thresholds.end(),
               simValue(request, 5, 4) * 10);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray storePoint(Context context, Frame request)
@@ -163,9 +166,9 @@ QByteArray storePoint(Context context, Frame request)
     const std::size_t channel = byteOf(request, 4);
     const std::size_t point = byteOf(request, 5);
     if (channel >= curves.size() || point >= curves[channel].size())
-        return simStatusPayload(kBadIndex);
+        return simSinglePayload(kBadIndex);
     curves[channel][point] = simValue(request, 6, request.size() - 8);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray storeCurve(Context context, Frame request)
@@ -173,10 +176,10 @@ QByteArray storeCurve(Context context, Frame request)
     auto &curves = context.settings.curves;
     const std::size_t channel = byteOf(request, 4);
     if (channel >= curves.size())
-        return simStatusPayload(kBadIndex);
+        return simSinglePayload(kBadIndex);
     for (std::size_t point = 0; point < curves[channel].size(); ++point)
         curves[channel][point] = simValue(request, 5 + 4 * static_cast<int>(point), 4);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray curve(Context context, Frame request)
@@ -218,12 +221,7 @@ QByteArray storeAddress(Context context, Frame request)
     const uint8_t address = byteOf(request, 7);
     if (address >= 0x01 && address <= 0x6F)
         context.settings.address = address;
-    return single(context.settings.address);
-}
-
-QByteArray storeNormalPoint(Context context, Frame request)
-{
-    return storeOfChannel(context.settings.normalCurve, request);
+    return simSinglePayload(context.settings.address);
 }
 
 QByteArray storeStartPosition(Context context, Frame request)
@@ -241,13 +239,13 @@ QByteArray temperature(Context context, Frame)
 QByteArray storeTemperature(Context context, Frame request)
 {
     context.settings.temperatureCalibration = simFloat(simValue(request, 4, 4));
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray restoreFactory(Context context, Frame)
 {
     context.settings.restoreFactory(context.model);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray storeEnable(Context context, Frame request)
@@ -255,20 +253,20 @@ QByteArray storeEnable(Context context, Frame request)
     auto &enabled = context.settings.enabled;
     const std::size_t channel = byteOf(request, 4);
     if (channel >= enabled.size())
-        return simStatusPayload(kBadIndex);
+        return simSinglePayload(kBadIndex);
     enabled[channel] = byteOf(request, 7);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
-QByteArray resetChannel(Context context, Frame request)
+QByteArray checkChannel(Context context, Frame request)
 {
-    return simStatusPayload(byteOf(request, 4) < context.model.chNum ? kDone : kBadIndex);
+    return simSinglePayload(byteOf(request, 4) < context.model.chNum ? kDone : kBadIndex);
 }
 
 QByteArray storeSendType(Context context, Frame request)
 {
     context.settings.sendType = byteOf(request, 7);
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray version(Context context, Frame)
@@ -290,13 +288,13 @@ QByteArray lengthAndText(const QByteArray &text)
 QByteArray storeSerialNumber(Context context, Frame request)
 {
     context.settings.serialNumber = request.mid(5, byteOf(request, 4));
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 QByteArray storeText(Context context, Frame request)
 {
     context.settings.text = request.mid(5, byteOf(request, 4));
-    return simStatusPayload(kDone);
+    return simSinglePayload(kDone);
 }
 
 struct Command
@@ -305,77 +303,38 @@ struct Command
     QByteArray (*execute)(Context, Frame);
 };
 
-constexpr auto kGetCommands = std::array{
-    Command{0x41, [](Context c, Frame) { return single(c.settings.autoDacAtPowerUp); }},
-    Command{0x44, [](Context c,
-                     Frame) { return word(c.settings.pressReleaseMaximum, c.settings.pressReleaseScale); }},
-    Command{0x46,
-            [](Context c, Frame) {
-                return word(c.settings.proximityReleaseMaximum, c.settings.proximityReleaseScale);
-            }},
+// Commands with an answer of a kind of their own, or a bare acknowledgement.
+constexpr auto kOtherCommands = std::array{
+    Command{0x41, [](Context c, Frame) { return simSinglePayload(c.settings.autoDacAtPowerUp); }},
+    Command{0x44, release<&SimSettings::pressReleaseMaximum, &SimSettings::pressReleaseScale>},
+    Command{0x46, release<&SimSettings::proximityReleaseMaximum, &SimSettings::proximityReleaseScale>},
     Command{0x4A, dacs},
-    Command{0x51, [](Context c, Frame) { return listOf(c.settings.excitations); }},
-    Command{0x53, [](Context c, Frame) { return listOf(c.settings.ranges); }},
+    Command{0x51, list<&SimSettings::excitations>},
+    Command{0x53, list<&SimSettings::ranges>},
     Command{0x5A, filters},
     Command{0x5C, proximityClear},
-    Command{0x5E, [](Context c, Frame) { return listOf(c.settings.touchTimeoutsMs); }},
+    Command{0x5E, list<&SimSettings::touchTimeoutsMs>},
     Command{0x62, counts},
-    Command{0x64, [](Context c, Frame) { return single(c.sensorStatus); }},
+    Command{0x64, [](Context c, Frame) { return simSinglePayload(c.sensorStatus); }},
     Command{0x66, curve},
-    Command{0x68, [](Context c, Frame) { return listOf(c.settings.thresholds); }},
+    Command{0x68, list<&SimSettings::thresholds>},
     Command{0x6C, [](Context c, Frame) { return word(static_cast<uint32_t>(c.sampleRateHz), 0); }},
     Command{0x6D, forcePoints},
     Command{0x6F, verdicts},
-    Command{0x71, [](Context c, Frame) { return single(c.settings.address); }},
+    Command{0x71, [](Context c, Frame) { return simSinglePayload(c.settings.address); }},
     Command{0x74, temperature},
-    Command{0x7D, [](Context c, Frame) { return listOf(c.settings.normalCurve); }},
-    Command{0x7E,
-            [](Context c, Frame r) { return single(byteOf(r, 4) < c.model.chNum ? kDone : kBadIndex); }},
+    Command{0x7D, list<&SimSettings::normalCurve>},
+    Command{0x7E, checkChannel},
     Command{0xA0, [](Context, Frame) { return QByteArrayLiteral("Nov 22 202614:05:09"); }},
-    Command{0xA2, [](Context c, Frame) { return single(c.model.prg); }},
+    Command{0xA2, [](Context c, Frame) { return simSinglePayload(c.model.prg); }},
     Command{0xA4, [](Context c, Frame) { return lengthAndText(c.settings.serialNumber); }},
     Command{0xA6, version},
     Command{0xA7, [](Context, Frame) { return QByteArrayLiteral("SIM-CHIP"); }},
     Command{0xA9, [](Context c, Frame) { return lengthAndText(c.settings.text); }},
-    Command{0xAA, [](Context c, Frame) { return QByteArray(1, '\0') + word(c.upTimeSeconds, 0).left(4); }},
-};
-
-// Commands whose answer reports success or the reason of a refusal.
-constexpr auto kSetCommands = std::array{
-    Command{0x40,
-            [](Context c, Frame r) {
-                c.settings.autoDacAtPowerUp = byteOf(r, 4);
-                return simStatusPayload(kDone);
+    Command{0xAA,
+            [](Context c, Frame) {
+                return QByteArray(1, '\0') + word(static_cast<uint32_t>(c.upTime.count()), 0).left(4);
             }},
-    Command{0x42, storeCurve},
-    Command{0x43, storePressRelease},
-    Command{0x45, storeProximityRelease},
-    Command{0x50, [](Context c, Frame r) { return storeOfChannel(c.settings.excitations, r); }},
-    Command{0x52, [](Context c, Frame r) { return storeOfChannel(c.settings.ranges, r); }},
-    Command{0x54, done},
-    Command{0x55, done},
-    Command{0x59, storeFilter},
-    Command{0x5B, storeProximityClear},
-    Command{0x5D, [](Context c, Frame r) { return storeOfChannel(c.settings.touchTimeoutsMs, r); }},
-    Command{0x61, done},
-    Command{0x65, storePoint},
-    Command{0x69, [](Context c, Frame r) { return storeOfChannel(c.settings.thresholds, r); }},
-    Command{0x6A, storeTouchThreshold},
-    Command{0x6B, done},
-    Command{0x6E, done},
-    Command{0x72, done},
-    Command{0x75, storeTemperature},
-    Command{0x76, restoreFactory},
-    Command{0x78, storeNormalPoint},
-    Command{0x7B, storeEnable},
-    Command{0x7C, resetChannel},
-    Command{0x7F, storeSendType},
-    Command{0xA5, storeSerialNumber},
-    Command{0xA8, storeText},
-};
-
-// Commands with a bare acknowledgement or an answer of a kind of their own.
-constexpr auto kActCommands = std::array{
     Command{0x56,
             [](Context c, Frame r) {
                 c.settings.measuringMode = byteOf(r, 4);
@@ -391,6 +350,40 @@ constexpr auto kActCommands = std::array{
     Command{0xA1, nothing},
 };
 
+// Commands whose answer reports success or the reason of a refusal.
+constexpr auto kSetCommands = std::array{
+    Command{0x40,
+            [](Context c, Frame r) {
+                c.settings.autoDacAtPowerUp = byteOf(r, 4);
+                return simSinglePayload(kDone);
+            }},
+    Command{0x42, storeCurve},
+    Command{0x43, storeRelease<&SimSettings::pressReleaseMaximum, &SimSettings::pressReleaseScale>},
+    Command{0x45, storeRelease<&SimSettings::proximityReleaseMaximum, &SimSettings::proximityReleaseScale>},
+    Command{0x50, storeOfChannel<&SimSettings::excitations>},
+    Command{0x52, storeOfChannel<&SimSettings::ranges>},
+    Command{0x54, done},
+    Command{0x55, done},
+    Command{0x59, storeFilter},
+    Command{0x5B, storeProximityClear},
+    Command{0x5D, storeOfChannel<&SimSettings::touchTimeoutsMs>},
+    Command{0x61, done},
+    Command{0x65, storePoint},
+    Command{0x69, storeOfChannel<&SimSettings::thresholds>},
+    Command{0x6A, storeTouchThreshold},
+    Command{0x6B, done},
+    Command{0x6E, done},
+    Command{0x72, done},
+    Command{0x75, storeTemperature},
+    Command{0x76, restoreFactory},
+    Command{0x78, storeOfChannel<&SimSettings::normalCurve>},
+    Command{0x7B, storeEnable},
+    Command{0x7C, checkChannel},
+    Command{0x7F, storeSendType},
+    Command{0xA5, storeSerialNumber},
+    Command{0xA8, storeText},
+};
+
 template<typename Commands>
 const Command *find(const Commands &commands, uint8_t code)
 {
@@ -404,20 +397,18 @@ const Command *find(const Commands &commands, uint8_t code)
 std::optional<QByteArray> simExecute(const SimCommandContext &context, const QByteArray &request)
 {
     const uint8_t code = byteOf(request, 3);
-    const Command *command = find(kGetCommands, code);
+    const Command *command = find(kSetCommands, code);
     if (command == nullptr)
-        command = find(kSetCommands, code);
-    if (command == nullptr)
-        command = find(kActCommands, code);
+        command = find(kOtherCommands, code);
     if (command == nullptr)
         return std::nullopt;
     return command->execute(context, request);
 }
 
-QByteArray simStatusPayload(uint8_t status)
+QByteArray simSinglePayload(uint8_t value)
 {
     QByteArray payload(5, '\0');
-    payload[3] = static_cast<char>(status);
+    payload[3] = static_cast<char>(value);
     return payload;
 }
 

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -14,16 +15,16 @@ struct SimCommandContext
     SimSettings &settings;
     uint8_t sensorStatus;
     double sampleRateHz;
-    uint32_t upTimeSeconds;
+    std::chrono::seconds upTime;
 };
 
 /// Carries out a whole request frame and returns the payload of the answer, or nothing when the sensor does
 /// not know the command and keeps silent.
 std::optional<QByteArray> simExecute(const SimCommandContext &context, const QByteArray &request);
 
-/// Answer payload of commands that only report success (0) or a refusal.
-QByteArray simStatusPayload(uint8_t status);
-/// True for the commands whose answer is such a report.
+/// Answer payload that tells a single byte, such as success (0) or the reason of a refusal: the fourth of five.
+QByteArray simSinglePayload(uint8_t value);
+/// True for the commands whose answer reports success or a refusal.
 bool simReportsStatus(uint8_t command);
 
 /// Lengths that a request frame of a command may have: eleven bytes but for the few that carry more.
