@@ -16,7 +16,6 @@ class PlotNavigator;
 class PlotServer;
 class QAction;
 class QLabel;
-class QSlider;
 class QSpinBox;
 
 /// A recording with the name that its file goes by.
@@ -55,7 +54,6 @@ private:
     void breakCurves();
     void showNewWidth();
     void setPaused(bool paused);
-    void setWindowSeconds(int seconds);
     void zoomTimes(AxisRange times);
     void moveTimes(AxisRange times);
     void showAll();
