@@ -3,7 +3,7 @@
 #include "link/class_uart.h"
 
 namespace {
-constexpr int kPollIntervalMs = 500;
+constexpr std::chrono::milliseconds kPollInterval{500};
 }
 
 SerialPortPoller::SerialPortPoller(class_uart *link, std::function<bool()> wanted)
@@ -12,7 +12,7 @@ SerialPortPoller::SerialPortPoller(class_uart *link, std::function<bool()> wante
     , m_wanted(std::move(wanted))
 {
     m_timer.setSingleShot(true);
-    m_timer.setInterval(kPollIntervalMs);
+    m_timer.setInterval(kPollInterval);
     connect(&m_timer, &QTimer::timeout, this, &SerialPortPoller::poll);
     connect(link, &class_uart::si_scanEnd, this, &SerialPortPoller::handleList);
     connect(link, &class_uart::si_close, this, &SerialPortPoller::handleClose);

@@ -4,8 +4,9 @@
 #include "link/providers/ch341dll.h"
 
 #include <QStringList>
-#include <QThread>
 #include <QTimer>
+
+#include <thread>
 
 using namespace std::chrono_literals;
 
@@ -24,7 +25,7 @@ constexpr uint32_t kReadTimes = 1;
 constexpr uint32_t kResetPin = 1U << 10;
 constexpr uint32_t kHighPinsValid = 3;
 constexpr uint32_t kHighPinsAreOutputs = 0xFF00;
-constexpr unsigned long kPinSettleMs = 10;
+constexpr auto kPinSettleTime = 10ms;
 
 bool isCh341(const QString &path)
 {
@@ -196,7 +197,7 @@ void class_ch341::setInt(uint8_t level)
         return;
     uint32_t status = 0;
     CH341GetInput(m_state.openIndex, &status);
-    QThread::msleep(kPinSettleMs);
+    std::this_thread::sleep_for(kPinSettleTime);
     status = level != 0 ? status | kResetPin : status & ~kResetPin;
     CH341SetOutput(m_state.openIndex, kHighPinsValid, kHighPinsAreOutputs, status);
 }

@@ -9,12 +9,15 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <iterator>
+
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr uint32_t kIndexCount = 32;
-constexpr int kScanDelayMs = 100;
+constexpr auto kScanDelay = 100ms;
 constexpr uint16_t kLongestWrite = 4097;
 constexpr uint32_t kIdModulus = 65535;
 
@@ -72,7 +75,7 @@ class_ch347::~class_ch347()
 
 void class_ch347::scanSoon()
 {
-    QTimer::singleShot(kScanDelayMs, this, &class_ch347::getScanSignal);
+    QTimer::singleShot(kScanDelay, this, &class_ch347::getScanSignal);
 }
 
 bool class_ch347::open(uint16_t id)

@@ -3,9 +3,11 @@
 #include <QHostAddress>
 #include <QTcpSocket>
 
+#include <chrono>
+
 namespace {
 
-constexpr int kConnectTimeoutMs = 500;
+constexpr std::chrono::milliseconds kConnectTimeout{500};
 /// The most that waits for a peer that does not read.
 constexpr qint64 kUnsentMaxBytes = 4 * 1024 * 1024;
 /// A peer counts as caught up below this, so that one on the brink does not flood the log.
@@ -45,7 +47,7 @@ void class_tcp::connectToHost(const QString &address, quint16 port)
     if (!QHostAddress().setAddress(address))
         return;
     socket->connectToHost(address, port, QIODevice::ReadWrite, QAbstractSocket::AnyIPProtocol);
-    socket->waitForConnected(kConnectTimeoutMs);
+    socket->waitForConnected(static_cast<int>(kConnectTimeout.count()));
 }
 
 void class_tcp::disconnectFromHost()

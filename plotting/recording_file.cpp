@@ -59,18 +59,18 @@ std::optional<Layout> layoutFor(int fields, const QStringList &headings, Recordi
 bool appendRow(const QList<QByteArray> &fields, const Layout &layout, Recording &recording)
 {
     bool isNumber = false;
-    const double timeMs = fields.first().toDouble(&isNumber);
-    if (!isNumber || std::isnan(plotValue(timeMs)))
+    const RecordingTime time(fields.first().toDouble(&isNumber));
+    if (!isNumber || std::isnan(plotValue(time.count())))
         return false;
     if (recording.rows == 0)
-        recording.startMs = timeMs;
+        recording.start = time;
     QVector<double> values;
     values.reserve(layout.places.size());
     for (const int place : layout.places) {
         const double value = fields.at(place).toDouble(&isNumber);
         values.append(isNumber ? plotValue(value) : std::numeric_limits<double>::quiet_NaN());
     }
-    recording.store->append((timeMs - recording.startMs) / 1000, values);
+    recording.store->append(std::chrono::duration<double>(time - recording.start).count(), values);
     ++recording.rows;
     return true;
 }

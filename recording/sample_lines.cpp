@@ -56,20 +56,21 @@ QByteArray csvHeadings(const Sample &sample)
     return line + '\n';
 }
 
-QByteArray csvLine(const Sample &sample, qint64 timeMs)
+QByteArray csvLine(const Sample &sample, std::chrono::milliseconds time)
 {
-    QByteArray line = QByteArray::number(timeMs) + ',' + QByteArray::number(sample.counter);
+    QByteArray line = QByteArray::number(qint64(time.count())) + ',' + QByteArray::number(sample.counter);
     forEachValue(sample, [&line](const char *, int, const QString &text) { line += ',' + text.toLatin1(); });
     return line + '\n';
 }
 
-QByteArray jsonLine(const Sample &sample, qint64 timeMs, const SampleSource &source)
+QByteArray jsonLine(const Sample &sample, std::chrono::milliseconds time, const SampleSource &source)
 {
-    QByteArray line =
-        "{\"time_ms\":" + QByteArray::number(timeMs) + ",\"bus\":" + QByteArray::number(source.infIdx + 1) +
-        ",\"address\":" + QByteArray::number(source.addr) + ",\"model\":" + quoted(source.model) +
-        ",\"serial_number\":" + quoted(source.serialNumber) +
-        ",\"counter\":" + QByteArray::number(sample.counter);
+    QByteArray line = "{\"time_ms\":" + QByteArray::number(qint64(time.count())) +
+                      ",\"bus\":" + QByteArray::number(source.infIdx + 1) +
+                      ",\"address\":" + QByteArray::number(source.addr) +
+                      ",\"model\":" + quoted(source.model) +
+                      ",\"serial_number\":" + quoted(source.serialNumber) +
+                      ",\"counter\":" + QByteArray::number(sample.counter);
     forEachValue(sample, [&line](const char *name, int index, const QString &text) {
         line += ",\"";
         appendName(line, name, index);

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
 #include <cstdint>
 
 struct Sample;
@@ -21,8 +22,8 @@ struct SampleSource
 /// A heading for each column: time_ms, counter, ch0, …, normal_force_n_0, tangential_force_n_0,
 /// direction_deg_0, …, self_proximity_0, …, mutual_proximity_0, …, status.
 QByteArray csvHeadings(const Sample &sample);
-/// timeMs: milliseconds since 1970, UTC.
-QByteArray csvLine(const Sample &sample, qint64 timeMs);
+/// time: since 1970, UTC.
+QByteArray csvLine(const Sample &sample, std::chrono::milliseconds time);
 /// An object with the source, and every value under the name that it has as a column. What is no number is
 /// null.
-QByteArray jsonLine(const Sample &sample, qint64 timeMs, const SampleSource &source);
+QByteArray jsonLine(const Sample &sample, std::chrono::milliseconds time, const SampleSource &source);

@@ -6,13 +6,16 @@
 
 #include <QDebug>
 #include <QSerialPort>
-#include <QThread>
+
+#include <thread>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int kSetAnswerWaitMs = 100;
-constexpr int kPollAnswerWaitMs = 10;
-constexpr unsigned long kReplyDelayMs = 10;
+constexpr auto kSetAnswerWait = 100ms;
+constexpr auto kPollAnswerWait = 10ms;
+constexpr auto kReplyDelay = 10ms;
 
 constexpr uint8_t kGeneralAddress = 0;
 constexpr auto kSetAddress = static_cast<uint8_t>(Command::SetIicAddress);
@@ -44,12 +47,12 @@ std::optional<GeneralCall::Answer> GeneralCall::askOverPort(std::optional<uint8_
     QSerialPort *port = m_link.port();
     if (target) {
         port->write(setFrame(*target));
-        port->waitForReadyRead(kSetAnswerWaitMs);
+        port->waitForReadyRead(static_cast<int>(kSetAnswerWait.count()));
     }
     // Either wait may find that the device is gone, and then the port is closed.
     if (port->isOpen()) {
         port->write(QByteArray::fromHex("00FF"));
-        port->waitForReadyRead(kPollAnswerWaitMs);
+        port->waitForReadyRead(static_cast<int>(kPollAnswerWait.count()));
     }
     return port->isOpen() ? answerIn(port->readAll()) : std::optional<Answer>();
 }
@@ -73,7 +76,7 @@ std::optional<GeneralCall::Answer> GeneralCall::askOverBridge(std::optional<uint
     if (target)
         m_link.write(kGeneralAddress, setFrame(*target));
     m_link.write(kGeneralAddress, requestFrame(kGeneralAddress, kReadAddress));
-    QThread::msleep(kReplyDelayMs);
+    std::this_thread::sleep_for(kReplyDelay);
 
     QByteArray reply(kRequestLength, '\0');
     m_link.read(kGeneralAddress, reinterpret_cast<uint8_t *>(reply.data()), reply.size());

@@ -15,6 +15,8 @@
 #include <QSerialPort>
 #include <QTimer>
 
+#include <chrono>
+
 using Kind = SensorLink::Kind;
 
 namespace {
@@ -28,12 +30,12 @@ char byteOfDigits(const QString &text, int at)
 }
 
 /// Keeps the window alive for a while.
-void spinEvents(int durationMs)
+void spinEvents(std::chrono::milliseconds duration)
 {
     QTimer timer;
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
-    timer.start(durationMs);
+    timer.start(duration);
     while (timer.isActive())
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
@@ -350,7 +352,7 @@ void sensorDebugForm::writeAndRead()
 
     const QPointer<sensorDebugForm> self = this;
     m_waitsToRead = true;
-    spinEvents(ui->spbDelay->value());
+    spinEvents(std::chrono::milliseconds(ui->spbDelay->value()));
     if (!self)
         return;
     m_waitsToRead = false;

@@ -7,14 +7,18 @@
 
 #include <QScopedValueRollback>
 
+#include <chrono>
+
+using namespace std::chrono_literals;
+
 using Kind = SensorLink::Kind;
 
 namespace {
 
-constexpr int kScanIntervalMs = 50;
-constexpr int kAliveIntervalMs = 100;
+constexpr auto kScanInterval = 50ms;
+constexpr auto kAliveInterval = 100ms;
 constexpr uint8_t kGoneTicks = 5;
-constexpr int kResultShownMs = 3000;
+constexpr auto kResultShown = 3000ms;
 constexpr int kUsualArgument = 1; // 460800 baud, or the first adapter board
 
 void coupleSpinBoxes(QSpinBox *first, QSpinBox *second)
@@ -232,7 +236,7 @@ void setSensorAddrForm::infOpen()
     alive = 0;
     // A link that is back at once finds the watchdog of its last time still running.
     timerAlive->stop();
-    timerScan->start(kScanIntervalMs);
+    timerScan->start(kScanInterval);
     setInterfaceEnabled(false);
 }
 
@@ -276,11 +280,11 @@ void setSensorAddrForm::sensorAnswered(const GeneralCall::Answer &answer)
 {
     if (alive == 0) {
         ui->lbFingerState->setText(QObject::tr("已连接"));
-        timerAlive->start(kAliveIntervalMs);
+        timerAlive->start(kAliveInterval);
     }
     if (isAddressSet(answer)) {
         ui->lbCmdState->setText(QObject::tr("成功"));
-        QTimer::singleShot(kResultShownMs, ui->lbCmdState, &QLabel::clear);
+        QTimer::singleShot(kResultShown, ui->lbCmdState, &QLabel::clear);
     }
     alive = 1;
     if (answer.address)

@@ -13,7 +13,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr int kSerialWaitMs = 100; // as the port takes it
+constexpr milliseconds kSerialWait{100};
 constexpr milliseconds kReopenPause{5};
 constexpr milliseconds kSuccessLinger{10};
 
@@ -65,8 +65,8 @@ void UpdateJob::sendResetAtRate(const QByteArray &command, const QString &device
     port->clear();
     qDebug("set baudrate:%u", rate);
     qDebug("%lld", port->write(command));
-    port->waitForBytesWritten(kSerialWaitMs);
-    port->waitForReadyRead(kSerialWaitMs);
+    port->waitForBytesWritten(static_cast<int>(kSerialWait.count()));
+    port->waitForReadyRead(static_cast<int>(kSerialWait.count()));
 }
 
 void UpdateJob::reopen(const QString &device, unsigned rate)

@@ -8,6 +8,7 @@
 #include <QDateTime>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 
 namespace {
@@ -98,7 +99,7 @@ SampleLog::Write SampleLog::lineWriter(const sensor_ts &sensor, const finger_inf
     const SampleSource source{sensor.infIdx, sensor.addr, QString::fromUtf8(model.model), sensor.sn};
     const bool isTable = m_format == LogFormat::Csv;
     return [this, source, isTable, path = QString()](const Sample &sample) mutable {
-        const qint64 now = QDateTime::currentMSecsSinceEpoch();
+        const std::chrono::milliseconds now(QDateTime::currentMSecsSinceEpoch());
         const QByteArray line = isTable ? csvLine(sample, now) : jsonLine(sample, now, source);
         if (m_output.isOpen())
             return writeOut(isTable ? csvHeadings(sample) : QByteArray(), line);

@@ -18,13 +18,16 @@
 #include <QToolBar>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <limits>
 
+using namespace std::chrono_literals;
+
 namespace {
 
-constexpr int kRefreshMs = 33;
-constexpr int kStatusMs = 500;
+constexpr auto kRefreshInterval = 33ms;
+constexpr auto kStatusInterval = 500ms;
 constexpr int kFirstSeconds = 10;
 /// Twice the longest window: a pause can be looked at with what came before it. At most 64 MB.
 constexpr SampleStore::Limits kLiveLimits{2.0 * PlotWindow::kLongestSeconds, 8 * 1024 * 1024};
@@ -149,8 +152,8 @@ void PlotWindow::follow(PlotServer &server)
         m_stillSince = static_cast<double>(m_clock.nsecsElapsed()) * 1e-9;
         refreshStatus();
     });
-    m_refreshTimer.start(kRefreshMs);
-    m_statusTimer.start(kStatusMs);
+    m_refreshTimer.start(kRefreshInterval);
+    m_statusTimer.start(kStatusInterval);
     refresh();
     refreshStatus();
 }
@@ -158,9 +161,9 @@ void PlotWindow::follow(PlotServer &server)
 void PlotWindow::open(std::vector<NamedRecording> recordings)
 {
     m_recordings = std::move(recordings);
-    double firstMs = m_recordings.front().recording.startMs;
+    auto first = m_recordings.front().recording.start;
     for (const NamedRecording &named : m_recordings)
-        firstMs = std::min(firstMs, named.recording.startMs);
+        first = std::min(first, named.recording.start);
     QVector<CurveSource> sources;
     QStringList names;
     QStringList troubles;
@@ -171,7 +174,7 @@ void PlotWindow::open(std::vector<NamedRecording> recordings)
             m_recordings.size() > 1 ? QString::number(names.size()) + QStringLiteral(": ") : QString();
         for (int i = 0; i < recording.columns.size(); ++i)
             sources.append({prefix + recording.columns.at(i), &*recording.store, i,
-                            (recording.startMs - firstMs) / 1000});
+                            std::chrono::duration<double>(recording.start - first).count()});
         if (recording.refused > 0)
             troubles += tr("%1: %L2 lines left out").arg(named.name).arg(recording.refused);
         if (const auto kept = static_cast<quint64>(recording.store->size()); kept < recording.rows)
@@ -298,7 +301,8 @@ void PlotWindow::refreshStatus()
     const QString waiting = tr("Waiting on port %1").arg(m_server->port());
     m_source->setText(m_peer.isEmpty() ? waiting : tr("Connected to %1").arg(m_peer));
     m_trouble->setText(faultText(m_server->faults()));
-    const auto rate = static_cast<double>(m_records - m_recordsTold) * 1000 / kStatusMs;
+    const auto rate = static_cast<double>(m_records - m_recordsTold) /
+                      std::chrono::duration<double>(kStatusInterval).count();
     m_recordsTold = m_records;
     const int curves = m_plot->sources().size();
     m_rate->setText(curves == 0 ? QString() : tr("Curves: %1, records/s: %2").arg(curves).arg(rate));
