@@ -34,7 +34,7 @@ std::unique_ptr<Tour> pendingTour;
 // The tool makes its application object itself, so the tour is hung on when that object comes into being.
 void startPendingTour()
 {
-    if (pendingTour != nullptr)
+    if (pendingTour)
         QTimer::singleShot(0, pendingTour.get(), &Tour::run);
 }
 

@@ -23,13 +23,13 @@ StreamReader::StreamReader(StreamFormat format, RecordReader::Sink sink)
 
 void StreamReader::feed(const QByteArray &bytes)
 {
-    if (m_reader != nullptr) {
+    if (m_reader) {
         m_reader->feed(bytes);
         return;
     }
     m_undecided += bytes;
     settle(recognised());
-    if (m_reader != nullptr)
+    if (m_reader)
         m_reader->feed(std::exchange(m_undecided, QByteArray()));
 }
 
@@ -59,15 +59,15 @@ void StreamReader::settle(StreamFormat format)
 
 void StreamReader::finish()
 {
-    if (m_reader == nullptr && !m_undecided.isEmpty()) {
+    if (!m_reader && !m_undecided.isEmpty()) {
         settle(StreamFormat::FireWater);
         m_reader->feed(std::exchange(m_undecided, QByteArray()));
     }
-    if (m_reader != nullptr)
+    if (m_reader)
         m_reader->finish();
 }
 
 StreamFaults StreamReader::faults() const
 {
-    return m_reader != nullptr ? m_reader->faults() : StreamFaults();
+    return m_reader ? m_reader->faults() : StreamFaults();
 }

@@ -232,10 +232,10 @@ void PlotWindow::showNewWidth()
 void PlotWindow::setPaused(bool paused)
 {
     m_plot->setStill(paused);
-    if (paused && m_live != nullptr) {
+    if (paused && m_live) {
         m_arriving = std::make_unique<SampleStore>(*m_live);
         refresh();
-    } else if (m_arriving != nullptr) {
+    } else if (m_arriving) {
         const bool isOther = m_arriving->width() != m_live->width();
         if (isOther)
             m_plot->setSources({});
@@ -288,7 +288,7 @@ double PlotWindow::now() const
 
 void PlotWindow::refresh()
 {
-    const bool isHeld = m_server == nullptr || m_arriving != nullptr;
+    const bool isHeld = m_server == nullptr || m_arriving;
     if (!isHeld)
         m_plot->setShift(-now());
     const double seconds = m_seconds->value();

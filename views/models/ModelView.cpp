@@ -128,6 +128,6 @@ void ModelView::setPress(unsigned char channel, float newtons, float range)
 
 void ModelView::setPressNList(QVector<float> newtons, float range)
 {
-    if (m_tiles != nullptr)
+    if (m_tiles)
         m_tiles->show(newtons, range, showData);
 }

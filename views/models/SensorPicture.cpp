@@ -139,7 +139,7 @@ void SensorPicture::resizeEvent(QResizeEvent *event)
         if (region.gauge != nullptr)
             placeGauge(region);
     }
-    if (m_grid != nullptr)
+    if (m_grid)
         placeTiles();
 }
 

@@ -41,7 +41,7 @@ class_ydds *TileArray::tile(int index) const
         std::swap(row, column);
         column = m_layout.columns - 1 - column;
     }
-    if (m_grid.isNull() || row >= m_grid->rows || column >= m_grid->columns)
+    if (!m_grid || row >= m_grid->rows || column >= m_grid->columns)
         return nullptr;
     return m_grid->yddsList.value(row * m_grid->columns + column);
 }

@@ -46,7 +46,7 @@ class_finger *makeView(uint8_t prg, QWidget *parent)
     // Without a parent until it is built: the boxes of the audit run the event loop, and a parent that dies
     // there would take the half-built view with it.
     std::unique_ptr<ModelView> view(maker->make());
-    if (hasParent && guard.isNull())
+    if (hasParent && !guard)
         return nullptr;
     view->setParent(guard);
     return view.release();

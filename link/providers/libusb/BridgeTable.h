@@ -34,10 +34,10 @@ public:
     ChipPointer open(uint32_t index)
     {
         const UsbDevicePointer device = pluggedDevice(index);
-        if (device == nullptr || index >= Count)
+        if (!device || index >= Count)
             return nullptr;
         ChipPointer present = chipOf(device.get());
-        if (present == nullptr) {
+        if (!present) {
             close(index);
             return openDevice(index, device.get());
         }
@@ -48,12 +48,12 @@ public:
     void reopen(uint32_t index)
     {
         ChipPointer present = chip(index);
-        if (present == nullptr)
+        if (!present)
             return;
         const UsbDevicePointer device = bridgeInPlaceOf(present->device(), Chip::kFamily);
         present.reset();
         close(index);
-        if (device != nullptr)
+        if (device)
             openDevice(index, device.get());
     }
 
@@ -71,7 +71,7 @@ public:
     uint32_t run(uint32_t index, Operation operation)
     {
         const ChipPointer opened = chip(index);
-        return opened != nullptr && operation(*opened) ? 1 : 0;
+        return opened && operation(*opened) ? 1 : 0;
     }
 
     /// Null when no bridge has that index now.
@@ -85,7 +85,7 @@ private:
     ChipPointer openDevice(uint32_t index, libusb_device *device)
     {
         std::unique_ptr<UsbBridge> usb = UsbBridge::open(device, Chip::kFamily);
-        if (usb == nullptr)
+        if (!usb)
             return nullptr;
         ChipPointer opened = std::make_shared<Chip>(std::move(usb));
         return opened->start() ? keep(index, std::move(opened)) : nullptr;
@@ -96,7 +96,7 @@ private:
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         const auto isOfDevice = [device](const ChipPointer &chip) {
-            return chip != nullptr && chip->device() == device;
+            return chip && chip->device() == device;
         };
         const auto found = std::find_if(m_chips.begin(), m_chips.end(), isOfDevice);
         return found != m_chips.end() ? *found : nullptr;

@@ -55,7 +55,7 @@ bool HotplugMonitor::start()
     if (m_thread.joinable())
         return true;
     m_context = makeUsbContext();
-    if (m_context == nullptr)
+    if (!m_context)
         return false;
     constexpr int kBothEvents = LIBUSB_HOTPLUG_EVENT_DEVICE_ARRIVED | LIBUSB_HOTPLUG_EVENT_DEVICE_LEFT;
     const int result = libusb_hotplug_register_callback(

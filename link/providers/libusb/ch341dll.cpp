@@ -30,7 +30,7 @@ std::string pathOf(libusb_device *device, const std::vector<UsbDevicePointer> &b
 void *TACTILE_VENDOR_CALL CH341OpenDevice(uint32_t index)
 {
     const Ch341Table::ChipPointer chip = table().open(index);
-    return chip != nullptr ? chip.get() : invalidHandle();
+    return chip ? chip.get() : invalidHandle();
 }
 
 void TACTILE_VENDOR_CALL CH341CloseDevice(uint32_t index)

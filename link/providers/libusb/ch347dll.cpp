@@ -40,7 +40,7 @@ uint32_t accept(uint32_t index, UnsupportedSetting &setting, uint32_t value)
 void *TACTILE_VENDOR_CALL CH347OpenDevice(uint32_t index)
 {
     const Ch347Table::ChipPointer chip = table().open(index);
-    return chip != nullptr ? chip.get() : invalidHandle();
+    return chip ? chip.get() : invalidHandle();
 }
 
 uint32_t TACTILE_VENDOR_CALL CH347CloseDevice(uint32_t index)
