@@ -3,8 +3,17 @@
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-# Number of the tour's picture, and its name in the manuals.
-chosen=(30:watch 19:values 20:settings 36:plot 46:update 49:address 52:debug)
+# Name in the manuals, and what the name of the tour's picture ends with. Its number follows the order in which sensors
+# were found, and one that answers late comes later.
+declare -A chosen=(
+  [watch]='ch341-4_0x63_*-0'
+  [values]='ch341-0_0x61_*-1'
+  [settings]='ch341-0_0x61_*-2'
+  [plot]='plotter'
+  [update]='update-uart'
+  [address]='address-0x6e'
+  [debug]='multiplexer'
+)
 
 tour="$root_dir/build/pictures"
 rm -rf "$tour"
@@ -12,8 +21,9 @@ rm -rf "$tour"
 for language in en zh_cn; do
   folder="$root_dir/docs/pictures/$language"
   mkdir -p "$folder"
-  for choice in "${chosen[@]}"; do
-    cp "$tour/$language/${choice%:*}"-*.png "$folder/${choice#*:}.png"
+  for name in "${!chosen[@]}"; do
+    # shellcheck disable=SC2086
+    cp "$tour/$language"/[0-9]*-${chosen[$name]}.png "$folder/$name.png"
   done
 done
 say "Pictures are in docs/pictures"
