@@ -118,15 +118,9 @@ private Q_SLOTS:
             QCOMPARE(bench.writesTo(0x00).value(0), QStringLiteral("aa55007100000000007001"));
         else
             QCOMPARE(bench.line->baudRate(), 460800);
-        tab.target->setValue(0x61);
-        tab.set->click();
-        tab.set->click();
-        QTRY_COMPARE(tab.result->text(), QStringLiteral("成功"));
-        QTRY_COMPARE(tab.current->value(), 0x61);
+        setAddress(bench, tab);
         QCOMPARE(sensor->address(), uint8_t{0x61});
-        QCOMPARE(bench.writesTo(0x00).count(QStringLiteral("aa5500700000006100d001")), 1);
         QVERIFY(log.contains(QStringLiteral("set addr:0x61")));
-        QTRY_COMPARE(tab.result->text(), QString());
 
         bench.unplug(sensor);
         QTRY_COMPARE(tab.state->text(), kGone);
@@ -272,6 +266,18 @@ private Q_SLOTS:
         tab.open(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
         QVERIFY(bench.writesTo(0x00).isEmpty());
+    }
+
+private:
+    static void setAddress(LinkBench &bench, AddressTab &tab)
+    {
+        tab.target->setValue(0x61);
+        tab.set->click();
+        tab.set->click();
+        QTRY_COMPARE(tab.result->text(), QStringLiteral("成功"));
+        QTRY_COMPARE(tab.current->value(), 0x61);
+        QCOMPARE(bench.writesTo(0x00).count(QStringLiteral("aa5500700000006100d001")), 1);
+        QTRY_COMPARE(tab.result->text(), QString());
     }
 };
 
