@@ -141,6 +141,20 @@ private Q_SLOTS:
         QCOMPARE(tcpRecord(TcpFormat::JustFloat, decoder).left(4), QByteArray(4, '\0'));
     }
 
+    void composesWhatThePageShows()
+    {
+        QFile file(QStringLiteral(PROTOCOL_PAGE));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray page = file.readAll().simplified();
+        class_finger decoder(0xFF, nullptr);
+        decoder.rawList = {QStringLiteral("101"), QStringLiteral("1.25"), QStringLiteral("-2")};
+        const auto shows = [&](const char *name, TcpFormat format) {
+            return page.contains(name + tcpRecord(format, decoder).toHex(' ').toUpper());
+        };
+        QVERIFY(shows("firewater ", TcpFormat::FireWater));
+        QVERIFY(shows("justfloat ", TcpFormat::JustFloat));
+    }
+
     void sendsTheLastActiveViewAsLongAsItLives()
     {
         struct View : QWidget, class_finger

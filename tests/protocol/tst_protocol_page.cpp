@@ -1,4 +1,4 @@
-// The bytes and numbers that the page for integrators prints are those of the code.
+// The frames and numbers that the page for integrators prints are those of the code.
 
 #include "protocol/class_sensorCmd.h"
 #include "protocol/sample.h"
@@ -17,24 +17,38 @@ private Q_SLOTS:
         QFile page(QStringLiteral(PROTOCOL_PAGE));
         QVERIFY(page.open(QIODevice::ReadOnly));
         m_page = QString::fromUtf8(page.readAll());
+        const QRegularExpression block(
+            QStringLiteral("^((?:request|response|sample|poll) +\\S.*?) {2,}((?:[0-9A-F]{2}\\s+)+)"),
+            QRegularExpression::MultilineOption);
+        for (auto match = block.globalMatch(m_page); match.hasNext();) {
+            const QRegularExpressionMatch one = match.next();
+            m_blocks.insert(one.captured(1).simplified(), QByteArray::fromHex(one.captured(2).toLatin1()));
+        }
+        const QRegularExpression line(QStringLiteral("\n(?:request|response|sample|poll) "));
+        QCOMPARE(m_blocks.size(), m_page.count(line));
     }
 
     void framesAreWhole()
     {
-        const QStringList names{QStringLiteral("version of 0x61"),
-                                QStringLiteral("program id"),
-                                QStringLiteral("send type 4"),
-                                QStringLiteral("new address 0x62"),
-                                QStringLiteral("program id 0x1C in byte 7"),
-                                QStringLiteral("send type, status 0 in byte 7")};
-        for (const QString &name : names)
-            QVERIFY2(frameSumFits(bytesOf(name)), qPrintable(name));
+        for (auto block = m_blocks.cbegin(); block != m_blocks.cend(); ++block) {
+            if (!block.key().startsWith(QLatin1String("poll")))
+                QVERIFY2(frameSumFits(*block), qPrintable(block.key()));
+        }
+        const auto built = [](auto build) {
+            QByteArray frame(kRequestLength, '\0');
+            build(reinterpret_cast<uint8_t *>(frame.data()));
+            return frame;
+        };
         using C = class_sensorCmd;
-        QCOMPARE(bytesOf(names.at(0)), built([](uint8_t *to) { C::SC_GetVersion(0x61, to); }));
-        QCOMPARE(bytesOf(names.at(1)), requestFrame(0x61, 0xA6));
-        QCOMPARE(bytesOf(names.at(2)), built([](uint8_t *to) { C::SC_SetSendType(0x61, 4, to); }));
-        QCOMPARE(bytesOf(names.at(3)), built([](uint8_t *to) { C::SC_SetAddr(0x61, 0x62, to); }));
-        QCOMPARE(bytesOf(names.at(4)).at(7), '\x1C');
+        QCOMPARE(bytes("request version of 0x61"), built([](uint8_t *to) { C::SC_GetVersion(0x61, to); }));
+        QCOMPARE(bytes("request program id"), requestFrame(0x61, 0xA6));
+        QCOMPARE(bytes("request send type 4"), built([](uint8_t *to) { C::SC_SetSendType(0x61, 4, to); }));
+        QCOMPARE(bytes("request new address 0x62"),
+                 built([](uint8_t *to) { C::SC_SetAddr(0x61, 0x62, to); }));
+        QCOMPARE(bytes("response program id 0x1C in byte 7").mid(2, 6), QByteArray("\x61\xA6\0\0\0\x1C", 6));
+        QCOMPARE(bytes("response send type, status 0 in byte 7").mid(2, 6),
+                 QByteArray("\x61\xFF\0\0\0\0", 6));
+        QCOMPARE(bytes("poll address 0x61"), QByteArray("\x61\x9E"));
     }
 
     void sampleSaysItsValues()
@@ -42,57 +56,33 @@ private Q_SLOTS:
         const finger_info_ts *row = findFingerInfoByPrg(0x1C);
         QVERIFY(row != nullptr);
         Sample sample;
-        QCOMPARE(decodeSample(bytesOf(QStringLiteral("0x1C")), *row, sampleBlockLength(row->yddsFmt), sample),
+        QCOMPARE(decodeSample(bytes("sample 0x1C"), *row, sampleBlockLength(row->yddsFmt), sample),
                  SampleRefusal::None);
         QStringList values{QString::number(sample.counter)};
-        const auto add = [&values](const QVector<SampleNumber> &numbers) {
-            for (const SampleNumber &number : numbers)
-                values += number.text;
-        };
-        add(sample.channels);
+        for (const SampleNumber &number : qAsConst(sample.channels))
+            values += number.text;
         for (const SampleBlock &block : qAsConst(sample.blocks))
             values << block.normalText << block.tangentialText << block.directionText;
-        add(sample.selfProximity);
-        add(sample.mutualProximity);
-        add(sample.status);
-        QVERIFY2(m_page.contains(QStringLiteral("\nvalues   ") + values.join(QLatin1Char(',')) +
-                                 QLatin1Char('\n')),
-                 qPrintable(values.join(QLatin1Char(','))));
+        for (const SampleNumber &number : sample.selfProximity + sample.mutualProximity + sample.status)
+            values += number.text;
+        const QString line = QStringLiteral("\nvalues   %1\n").arg(values.join(QLatin1Char(',')));
+        QVERIFY2(m_page.contains(line), qPrintable(line));
     }
 
     void modelsAreThoseOfTheCatalogue()
     {
-        QString table;
-        for (const finger_info_ts &row : finger_infos) {
-            table += QString::asprintf("| `0x%02X` |", row.prg);
-            for (const int number :
-                 {int(row.packLen), int(row.chNum), int(row.forceChNum), int(row.chBytes), int(row.yddsNum),
-                  int(row.yddsFmt), int(row.sProxNum), int(row.mProxNum), int(row.hasStatus)})
-                table += QString::asprintf(" %d |", number);
-            table += QLatin1Char('\n');
-        }
-        QVERIFY2(m_page.contains(table), qPrintable(table));
+        QString table = QStringLiteral("|---|---|---|---|---|---|---|---|---|---|\n");
+        for (const auto &row : finger_infos)
+            table += QString::asprintf("| `0x%02X` | %d | %d | %d | %d | %d | %d | %d | %d | %d |\n", row.prg,
+                                       row.packLen, row.chNum, row.forceChNum, row.chBytes, row.yddsNum,
+                                       row.yddsFmt, row.sProxNum, row.mProxNum, row.hasStatus);
+        QVERIFY2(m_page.contains(table + QLatin1Char('\n')), qPrintable(table));
     }
 
 private:
-    /// The bytes behind a name, with the line that goes on.
-    QByteArray bytesOf(const QString &name) const
-    {
-        const QRegularExpression line(QStringLiteral("^(?:request|response|sample) +") +
-                                          QRegularExpression::escape(name) +
-                                          QStringLiteral(" {2,}((?:[0-9A-F]{2}\\s+)+)"),
-                                      QRegularExpression::MultilineOption);
-        return QByteArray::fromHex(line.match(m_page).captured(1).toLatin1());
-    }
-    template<typename Builder>
-    static QByteArray built(Builder build)
-    {
-        QByteArray frame(11, '\0');
-        build(reinterpret_cast<uint8_t *>(frame.data()));
-        return frame;
-    }
-
+    QByteArray bytes(const char *name) const { return m_blocks.value(QLatin1String(name)); }
     QString m_page;
+    QMap<QString, QByteArray> m_blocks;
 };
 
 QTEST_APPLESS_MAIN(tst_protocol_page)
