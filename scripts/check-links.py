@@ -1,44 +1,54 @@
 #!/usr/bin/env python3
-"""Checks that what the pages link to is there: files, pictures, and headings of pages. Needs no network."""
+"""Checks that what the pages link to is in the repository: files, pictures, and headings of pages. Needs no network."""
 
 import re
 import subprocess
 import sys
 from pathlib import Path
+from urllib.parse import unquote
 
 ROOT = Path(__file__).resolve().parent.parent
-LINK = re.compile(r"!?\[[^\]]*\]\(([^)\s]+)\)")
+# What stands behind "](", whatever stands before it, so that a picture that is a link counts twice.
+LINK = re.compile(r"\]\(\s*<?([^)\s>]+)[^)]*\)")
 
 
-def text_of(path):
-    """The page without its code, where brackets mean something else."""
-    text = path.read_text(encoding="utf-8")
-    text = re.sub(r"^```.*?^```", "", text, flags=re.MULTILINE | re.DOTALL)
-    return re.sub(r"^    .*$", "", text, flags=re.MULTILINE)
+def text_of(page):
+    """The page without its code, where brackets mean something else. Indented lines that go on with a list count."""
+    text = re.sub(r"^```.*?^```", "", page.read_text(encoding="utf-8"), flags=re.MULTILINE | re.DOTALL)
+    return re.sub(r"(\A|\n\n)(?: {4}[^\n]*\n+)+", r"\1", text)
 
 
-def anchors_of(path):
-    headings = re.findall(r"^#+ +(.+?) *$", text_of(path), flags=re.MULTILINE)
-    return {re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-") for heading in headings}
+def anchors_of(page):
+    """As they are made of headings; a heading that comes again gets a number."""
+    anchors = []
+    for heading in re.findall(r"^#+ +(.+?) *$", text_of(page), flags=re.MULTILINE):
+        anchor = re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
+        before = anchors.count(anchor)
+        anchors += [anchor, f"{anchor}-{before}"] if before else [anchor]
+    return anchors
 
 
-def broken_links(page):
-    for target in LINK.findall(text_of(page)):
+def broken_links(page, tracked):
+    for target in LINK.findall(re.sub(r"`[^`\n]*`", "", text_of(page))):
         if re.match(r"\w+:", target):
             continue
-        name, _, anchor = target.partition("#")
+        name, _, anchor = unquote(target).partition("#")
         path = (page.parent / name).resolve() if name else page
-        if not path.exists():
-            yield f"{target}: no such file"
-        elif anchor and anchor not in anchors_of(path):
+        if path not in tracked:
+            yield f"{target}: not in the repository"
+        elif anchor and (path.suffix != ".md" or anchor not in anchors_of(path)):
             yield f"{target}: no such heading"
 
 
 def main():
-    listed = subprocess.run(["git", "ls-files", "--cached", "--others", "--exclude-standard", "*.md"],
-                            cwd=ROOT, capture_output=True, text=True, check=True).stdout.split()
-    complaints = [f"{name}: {what}" for name in listed for what in broken_links(ROOT / name)]
-    print("\n".join(complaints) or f"Links of {len(listed)} pages lead somewhere")
+    names = subprocess.run(["git", "ls-files", "-z"], cwd=ROOT, capture_output=True, text=True, check=True).stdout
+    files = [path for path in (ROOT / name for name in names.split("\0") if name) if path.exists()]
+    tracked = {folder for path in files for folder in (path, *path.parents)}
+    pages = [path for path in files if path.suffix == ".md"]
+    complaints = [f"{page.relative_to(ROOT)}: {what}" for page in pages for what in broken_links(page, tracked)]
+    if not pages:
+        complaints.append("no pages")
+    print("\n".join(complaints) or f"Links of {len(pages)} pages lead somewhere")
     return 1 if complaints else 0
 
 
