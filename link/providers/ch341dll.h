@@ -10,6 +10,8 @@
 /// Called on a thread of the provider at every arrival and removal; status 0 means that a device was removed.
 using CH341NotifyRoutine = void(TACTILE_VENDOR_CALL *)(uint32_t status);
 
+extern "C" {
+
 /// Returns a handle; the all-ones pointer means failure.
 void *TACTILE_VENDOR_CALL CH341OpenDevice(uint32_t index);
 /// Bears an index that is not open.
@@ -46,3 +48,5 @@ uint32_t TACTILE_VENDOR_CALL CH341GetInput(uint32_t index, uint32_t *status);
 /// 4 data 23..16. A direction bit of 1 is an output.
 uint32_t TACTILE_VENDOR_CALL CH341SetOutput(uint32_t index, uint32_t enable, uint32_t direction,
                                             uint32_t data);
+
+} // extern "C"

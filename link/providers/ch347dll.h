@@ -16,6 +16,8 @@ struct CH347DeviceInfo
     char bytes[1024];
 };
 
+extern "C" {
+
 /// Returns a handle; the all-ones pointer means failure.
 void *TACTILE_VENDOR_CALL CH347OpenDevice(uint32_t index);
 /// Bears an index that is not open.
@@ -39,3 +41,5 @@ uint32_t TACTILE_VENDOR_CALL CH347StreamI2C(uint32_t index, uint32_t writeLength
 /// One bit a pin; a direction bit of 1 is an output.
 uint32_t TACTILE_VENDOR_CALL CH347GPIO_Set(uint32_t index, uint8_t enable, uint8_t direction, uint8_t data);
 uint32_t TACTILE_VENDOR_CALL CH347GPIO_Get(uint32_t index, uint8_t *direction, uint8_t *data);
+
+} // extern "C"

@@ -27,9 +27,9 @@ struct FakeAnswers
     std::function<void(uint8_t *buffer, uint32_t length)> deliver;
 };
 
-/// The bridge operations of these tests: writes down what it is asked, answers what the test has set. One for
-/// the process. A call is written down as its name without the family, then index and arguments: "write 0
-/// AA7500".
+/// The bridge operations of these tests, linked or loaded as a library: writes down what it is asked, answers
+/// what the test has set. One for the process. A call is written down as its name without the family, then
+/// index and arguments: "write 0 AA7500".
 ///
 /// What several threads touch is made of standard types only, whose hand-over the thread sanitizer can see.
 class FakeVendor : public FakeAnswers

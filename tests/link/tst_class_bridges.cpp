@@ -1,8 +1,10 @@
-// class_ch341 and class_ch347 against a recording stand-in for the bridge libraries: every byte and call that
-// reaches a bridge.
+// class_ch341 and class_ch347 against a recording stand-in for the bridge libraries, loaded like those: every
+// byte and call that reaches a bridge.
 
 #include "link/class_ch341.h"
 #include "link/class_ch347.h"
+#include "link/providers/ch341dll.h"
+#include "link/providers/ch347dll.h"
 #include "tests/link/fake_vendor.h"
 #include "tests/support/log_capture.h"
 
@@ -495,6 +497,17 @@ private Q_SLOTS:
         vendor().notify(3);
         class_ch341::CH341_NOTIFY_ROUTINE(0);
         QCOMPARE(firstLists.size(), 0);
+    }
+
+    void noNoticeOnceRoutineIsGone()
+    {
+        static int notices = 0;
+        for (auto *setNotify : {&CH341SetDeviceNotify, &CH347SetDeviceNotify}) {
+            setNotify(0, nullptr, [](uint32_t status) { notices += static_cast<int>(status) + 1; });
+            vendor().notify(3);
+            setNotify(0, nullptr, nullptr);
+        }
+        QCOMPARE(notices, 8);
     }
 };
 
