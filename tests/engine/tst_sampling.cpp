@@ -1,4 +1,4 @@
-#include "tests/engine/serial_rig.h"
+#include "tests/engine/WorkerBench.h"
 
 #include <QtTest>
 
@@ -32,9 +32,9 @@ class tst_sampling : public QObject
 private Q_SLOTS:
     void countsStepsOfTheFrameCounter()
     {
-        SerialRig rig;
+        WorkerBench rig(LinkBench::Kind::Serial);
         WorkerHarness &harness = rig.harness;
-        const auto sensor = rig.plug(0x2B, 0x61);
+        const auto sensor = rig.plugSensor(0x61, 0, 0x2B);
         sensor->setSampleRateHz(0);
         sensor->setForce(3, 12.5);
         QVERIFY(rig.connectAndFind());
@@ -65,9 +65,9 @@ private Q_SLOTS:
 
     void keepsSamplingThroughNoise()
     {
-        SerialRig rig;
+        WorkerBench rig(LinkBench::Kind::Serial);
         WorkerHarness &harness = rig.harness;
-        const auto sensor = rig.plug(0x02, 0x61);
+        const auto sensor = rig.plugSensor(0x61, 0, 0x02);
         QVERIFY(rig.connectAndFind());
         sensor->faults().seed(20);
         for (const SimFault fault :
@@ -85,10 +85,10 @@ private Q_SLOTS:
 
     void losesAFrozenSensorOnly()
     {
-        SerialRig rig;
-        const auto frozen = rig.plug(0x02, 0x61);
-        rig.plug(0x1C, 0x62);
-        QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x62")));
+        WorkerBench rig(LinkBench::Kind::Serial);
+        const auto frozen = rig.plugSensor(0x61, 0, 0x02);
+        rig.plugSensor(0x62, 0, 0x1C);
+        QVERIFY(rig.connectAndFind("found 0/0x62"));
         QTRY_VERIFY(rig.harness.sampleCount(0, 0x61) > 0);
 
         frozen->setFrozen(true);

@@ -1,83 +1,26 @@
 #include "link/class_ch341.h"
-#include "sim/SimCh341.h"
-#include "sim/SimCh347.h"
-#include "sim/SimUsb.h"
-#include "tests/engine/serial_rig.h"
-
-#include <QtTest>
-
-#include <algorithm>
+#include "tests/engine/WorkerBench.h"
 
 using namespace std::chrono_literals;
+using Kind = LinkBench::Kind;
 using Multiplexer = SimI2cBus::Multiplexer;
 
 namespace {
 
-// Channels of the multiplexer behind which the first two bus entries lie.
-constexpr int kChannelOfEntry0 = 4;
-constexpr int kChannelOfEntry1 = 5;
-
-/// A bridge of either kind with a bus behind it, and a worker.
-class Rig
+Kind currentKind()
 {
-public:
-    explicit Rig(uint8_t kind, Multiplexer multiplexer = Multiplexer::Present)
-        : bus(std::make_shared<SimI2cBus>(multiplexer))
-        , harness(kind)
-    {
-        if (kind == fingerThread::kCh341)
-            bridge = std::make_shared<SimCh341>(bus, 5, 3);
-        else
-            bridge = std::make_shared<SimCh347>(bus, 5003);
-        usb.plug(bridge);
-    }
+    QFETCH(Kind, kind);
+    return kind;
+}
 
-    std::shared_ptr<SimSensor> plug(uint8_t address, int channel)
-    {
-        auto sensor = std::make_shared<SimSensor>(0x1F, address);
-        bus->plug(sensor, channel);
-        return sensor;
-    }
-    bool connect() { return harness.connectTo(QStringLiteral("5003")); }
-    bool waitFor(const char *event) { return harness.waitForEvent(QString::fromLatin1(event)); }
-
-    /// Bytes written to an address so far, as hex.
-    QStringList written(uint8_t address) const
-    {
-        QStringList all;
-        for (const SimRecord &record : bus->journal().records(SimRecord::Kind::Write)) {
-            if (record.address == address)
-                all.append(QString::fromLatin1(record.bytes.toHex()));
-        }
-        return all;
-    }
-
-    /// Transfers to an address that nobody acknowledged so far.
-    int refused(uint8_t address) const
-    {
-        const std::vector<SimRecord> records = bus->journal().records(SimRecord::Kind::Refused);
-        const auto isThere = [address](const SimRecord &record) { return record.address == address; };
-        return static_cast<int>(std::count_if(records.begin(), records.end(), isThere));
-    }
-
-    std::shared_ptr<SimI2cBus> bus;
-    std::shared_ptr<SimBridge> bridge;
-    SimUsb usb;
-    WorkerHarness harness;
+/// A bridge, of the kind of the row unless another is given.
+struct Rig : WorkerBench
+{
+    explicit Rig(Multiplexer multiplexer = Multiplexer::Present, Kind link = currentKind())
+        : WorkerBench(link, multiplexer)
+    {}
+    Sensor plug(uint8_t address, int channel) { return plugSensor(address, channel, 0x1F); }
 };
-
-void addKinds()
-{
-    QTest::addColumn<int>("kind");
-    QTest::newRow("ch341") << int(fingerThread::kCh341);
-    QTest::newRow("ch347") << int(fingerThread::kCh347);
-}
-
-uint8_t currentKind()
-{
-    QFETCH(int, kind);
-    return static_cast<uint8_t>(kind);
-}
 
 } // namespace
 
@@ -86,14 +29,13 @@ class tst_worker_bridges : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void selectsBusesInTurn_data() { addKinds(); }
-
+    void selectsBusesInTurn_data() { LinkBench::addRows(true); }
     void selectsBusesInTurn()
     {
-        Rig rig(currentKind());
+        Rig rig;
         QVERIFY(rig.connect());
-        QTRY_VERIFY(rig.written(0x70).size() > 80);
-        QStringList masks = rig.written(0x70);
+        QTRY_VERIFY(rig.writesTo(0x70).size() > 80);
+        QStringList masks = rig.writesTo(0x70);
         QCOMPARE(masks.takeFirst(), QStringLiteral("00")); // the probe
 
         const QStringList buses{QStringLiteral("10"), QStringLiteral("20"), QStringLiteral("40"),
@@ -107,11 +49,10 @@ private Q_SLOTS:
         }
     }
 
-    void holdsOneSensorWithoutMultiplexer_data() { addKinds(); }
-
+    void holdsOneSensorWithoutMultiplexer_data() { LinkBench::addRows(true); }
     void holdsOneSensorWithoutMultiplexer()
     {
-        Rig rig(currentKind(), Multiplexer::Absent);
+        Rig rig(Multiplexer::Absent);
         const auto first = rig.plug(0x61, SimI2cBus::kTrunk);
         rig.plug(0x62, SimI2cBus::kTrunk);
         QVERIFY(rig.connect());
@@ -119,24 +60,27 @@ private Q_SLOTS:
         QCOMPARE(rig.harness.found.size(), 1);
         QCOMPARE(int(rig.harness.found.at(0).addr), 0x61);
         QVERIFY(rig.harness.log.contains(QStringLiteral("not find pca")));
-        QCOMPARE(rig.refused(0x70), 2); // the probe's write and read, and nothing after it
+        // The probe's write and read, and nothing after it.
+        const auto refused = rig.journal().records(SimRecord::Kind::Refused);
+        QCOMPARE(std::count_if(refused.begin(), refused.end(),
+                               [](const SimRecord &r) { return r.address == 0x70; }),
+                 2);
         rig.bus->unplug(first);
         QTRY_COMPARE_WITH_TIMEOUT(rig.harness.found.size(), 2, 20000);
         QCOMPARE(int(rig.harness.found.at(1).addr), 0x62);
     }
 
-    void tellsEqualAddressesApart_data() { addKinds(); }
-
+    void tellsEqualAddressesApart_data() { LinkBench::addRows(true); }
     void tellsEqualAddressesApart()
     {
-        Rig rig(currentKind());
-        const auto first = rig.plug(0x61, kChannelOfEntry0);
-        const auto second = rig.plug(0x61, kChannelOfEntry1);
+        Rig rig;
+        const auto first = rig.plug(0x61, Rig::kBoard1);
+        const auto second = rig.plug(0x61, Rig::kBoard2);
         QVERIFY(rig.connect());
         QVERIFY(rig.waitFor("found 0/0x61"));
         QVERIFY(rig.waitFor("found 1/0x61"));
         // Frame address 03 on the bus, and offsets that differ from entry to entry.
-        QStringList requests = rig.written(0x61);
+        QStringList requests = rig.writesTo(0x61);
         requests.sort();
         QCOMPARE(requests.join(QLatin1Char(' ')),
                  QStringLiteral("aa55037300000000007501 aa55037300000003007801 aa55037f00000000008101 "
@@ -148,16 +92,15 @@ private Q_SLOTS:
         QVERIFY(rig.waitFor("gone 0/0x61"));
         QVERIFY(!rig.harness.events.contains(QStringLiteral("gone 1/0x61")));
         rig.harness.events.clear();
-        rig.bus->plug(first, kChannelOfEntry0);
+        rig.bus->plug(first, Rig::kBoard1);
         QVERIFY(rig.waitFor("found 0/0x61"));
     }
 
-    void carriesOutCommands_data() { addKinds(); }
-
+    void carriesOutCommands_data() { LinkBench::addRows(true); }
     void carriesOutCommands()
     {
-        Rig rig(currentKind());
-        const auto sensor = rig.plug(0x61, kChannelOfEntry1);
+        Rig rig;
+        const auto sensor = rig.plug(0x61, Rig::kBoard2);
         QVERIFY(rig.connect());
         QVERIFY(rig.waitFor("found 1/0x61"));
         sensor->faults().setLateBy(45ms);
@@ -168,12 +111,11 @@ private Q_SLOTS:
         QCOMPARE(rig.harness.responses.at(0).rsp.toHex(), QByteArrayLiteral("55aa61f10000006100b202"));
     }
 
-    void bearsFailuresUntilItIsStopped_data() { addKinds(); }
-
+    void bearsFailuresUntilItIsStopped_data() { LinkBench::addRows(true); }
     void bearsFailuresUntilItIsStopped()
     {
-        Rig rig(currentKind());
-        const auto sensor = rig.plug(0x61, kChannelOfEntry0);
+        Rig rig;
+        const auto sensor = rig.plug(0x61, Rig::kBoard1);
         QVERIFY(rig.connect());
         QVERIFY(rig.waitFor("found 0/0x61"));
         for (int i = 0; i < 20; ++i) {
@@ -195,8 +137,8 @@ private Q_SLOTS:
 
     void losesAPulledBridge()
     {
-        Rig rig(fingerThread::kCh341);
-        const auto sensor = rig.plug(0x61, kChannelOfEntry0);
+        Rig rig(Multiplexer::Present, Kind::Ch341);
+        const auto sensor = rig.plug(0x61, Rig::kBoard1);
         for (int round = 0; round < 3; ++round) {
             rig.harness.events.clear();
             QVERIFY(rig.connect());
@@ -213,10 +155,10 @@ private Q_SLOTS:
 
     void losesABridgeThatIsBackAtOnce()
     {
-        Rig rig(fingerThread::kCh341);
+        Rig rig(Multiplexer::Present, Kind::Ch341);
         rig.bus->setTimed(true); // so that the worker is busy all the time
         for (int i = 0; i < 12; ++i)
-            rig.plug(static_cast<uint8_t>(0x61 + i / 2), i % 2 == 0 ? kChannelOfEntry0 : kChannelOfEntry1);
+            rig.plug(static_cast<uint8_t>(0x61 + i / 2), i % 2 == 0 ? Rig::kBoard1 : Rig::kBoard2);
         QTRY_VERIFY(!rig.harness.devices.isEmpty());
         std::make_unique<class_ch341>().reset(); // nobody is told any more
         QVERIFY(rig.connect());
@@ -240,13 +182,13 @@ private Q_SLOTS:
     {
         {
             // Stopped like this, it leaves the turn anywhere among the entries.
-            Rig rig(fingerThread::kCh341);
+            Rig rig(Multiplexer::Present, Kind::Ch341);
             QVERIFY(rig.connect());
-            QTRY_VERIFY(rig.written(0x70).size() > 20);
+            QTRY_VERIFY(rig.writesTo(0x70).size() > 20);
         }
-        SerialRig serial;
-        serial.plug(0x1F, 0x61);
-        QVERIFY(serial.connectAndFind(QStringLiteral("found 0/0x61")));
+        WorkerBench serial(Kind::Serial);
+        serial.plugSensor(0x61);
+        QVERIFY(serial.connectAndFind());
     }
 };
 

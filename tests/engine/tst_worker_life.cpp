@@ -1,4 +1,4 @@
-#include "tests/engine/serial_rig.h"
+#include "tests/engine/WorkerBench.h"
 
 #include <QtTest>
 
@@ -12,11 +12,11 @@ private Q_SLOTS:
     void opensWhatIsListedOnceOnly()
     {
         const SimSerialBus other;
-        SerialRig rig;
+        WorkerBench rig(LinkBench::Kind::Serial);
         QVERIFY(rig.connect());
         Q_EMIT rig.harness.si_connectCh341(other.portName());
         rig.harness.disconnectLink();
-        QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
+        QVERIFY(rig.waitFor("down"));
         Q_EMIT rig.harness.si_connectCh341(QStringLiteral("pts/none"));
         rig.harness.stop();
         QCOMPARE(rig.harness.story(), QStringLiteral("up, down"));
@@ -28,36 +28,36 @@ private Q_SLOTS:
 
     void disconnectReportsSensorsFirst()
     {
-        SerialRig rig;
-        rig.plug(0x02, 0x61);
-        rig.plug(0x1C, 0x62);
-        QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x62")));
+        WorkerBench rig(LinkBench::Kind::Serial);
+        rig.plugSensor(0x61, 0, 0x02);
+        rig.plugSensor(0x62, 0, 0x1C);
+        QVERIFY(rig.connectAndFind("found 0/0x62"));
         rig.harness.disconnectLink();
-        QVERIFY(rig.harness.waitForEvent(QStringLiteral("down")));
+        QVERIFY(rig.waitFor("down"));
         QCOMPARE(rig.harness.story(),
                  QStringLiteral("up, found 0/0x61, found 0/0x62, gone 0/0x61, gone 0/0x62, down"));
 
         // The sweep goes on where it was, so what lies ahead is found first.
         rig.harness.events.clear();
-        rig.plug(0x1C, 0x67);
-        QVERIFY(rig.connectAndFind(QStringLiteral("found 0/0x67")));
+        rig.plugSensor(0x67, 0, 0x1C);
+        QVERIFY(rig.connectAndFind("found 0/0x67"));
         QCOMPARE(rig.harness.story(), QStringLiteral("up, found 0/0x67"));
 
         // A port that is lost takes its sensors with it, and can be opened again when it is back.
-        const QString name = rig.bus.portName();
-        rig.bus.removePort();
-        QVERIFY(rig.harness.waitForEvent(QStringLiteral("gone 0/0x67")));
+        const QString name = rig.id();
+        rig.pull();
+        QVERIFY(rig.waitFor("gone 0/0x67"));
         rig.harness.disconnectLink();
         QTRY_VERIFY(!rig.harness.devices.contains(name));
-        rig.bus.restorePort();
+        rig.restore();
         QVERIFY(rig.connect());
     }
 
     void stopReportsEverySensorOnce()
     {
         for (const bool quitFirst : {false, true}) {
-            SerialRig rig;
-            rig.plug(0x02, 0x61);
+            WorkerBench rig(LinkBench::Kind::Serial);
+            rig.plugSensor(0x61, 0, 0x02);
             QVERIFY(rig.connectAndFind());
             QTRY_VERIFY(rig.harness.sampleCount(0, 0x61) > 5);
             rig.harness.stop(quitFirst);
@@ -73,12 +73,12 @@ private Q_SLOTS:
 
     void stopInTheMiddleOfADiscovery()
     {
-        SerialRig rig;
-        rig.plug(0x02, 0x61)->faults().schedule(SimFault::Silence, SimTarget::answersTo(0xA4), 1);
+        WorkerBench rig(LinkBench::Kind::Serial);
+        rig.plugSensor(0x61, 0, 0x02)->faults().schedule(SimFault::Silence, SimTarget::answersTo(0xA4), 1);
         QVERIFY(rig.connect());
         // The answer to this never comes, so the worker is waiting for it when the stop arrives.
         const QByteArray question = QByteArray::fromHex("AA5561A400000000000402");
-        QVERIFY(rig.bus.journal().waitFor(SimRecord::Kind::Request, question, 40s));
+        QVERIFY(rig.journal().waitFor(SimRecord::Kind::Request, question, 40s));
         rig.harness.stop();
         QCOMPARE(rig.harness.story(), QStringLiteral("up"));
         QVERIFY(!rig.harness.log.contains(QStringLiteral("set send type err")));
@@ -86,19 +86,19 @@ private Q_SLOTS:
 
     void opensAgainInTheMiddleOfACommand()
     {
-        SerialRig rig;
-        const auto sensor = rig.plug(0x02, 0x61);
+        WorkerBench rig(LinkBench::Kind::Serial);
+        const auto sensor = rig.plugSensor(0x61, 0, 0x02);
         QVERIFY(rig.connectAndFind());
         const QByteArray readAddress = hex("aa5561710000000000d101");
         sensor->setUnknown(0x71);
         rig.harness.request(0, 0x61, readAddress, 11);
-        QTRY_COMPARE(rig.sent(readAddress), 2);
+        QTRY_COMPARE(rig.journal().count(SimRecord::Kind::Request, readAddress), 2);
         sensor->setUnknown(0x71, false);
         rig.harness.disconnectLink();
         QVERIFY(rig.connect());
         QTRY_COMPARE(rig.harness.responses.size(), 1);
         QVERIFY(rig.harness.responses.at(0).good);
-        QCOMPARE(rig.sent(readAddress), 3);
+        QCOMPARE(rig.journal().count(SimRecord::Kind::Request, readAddress), 3);
     }
 };
 

@@ -1,8 +1,8 @@
 // The address tab against the bench on every link: what goes over the wire, and the states and texts that the
 // user sees meanwhile.
 
+#include "tests/support/LinkBench.h"
 #include "tests/support/log_capture.h"
-#include "tests/tools/LinkBench.h"
 #include "tools/setSensorAddrForm.h"
 
 #include <QtWidgets>
@@ -11,7 +11,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int kChannelOfBoard1 = 4;
 using Kind = LinkBench::Kind;
 
 const QString kClosed = QStringLiteral("接口未打开");
@@ -111,7 +110,7 @@ private Q_SLOTS:
         else
             QCOMPARE(bench.writesTo(0x70), (QStringList{QStringLiteral("00"), QStringLiteral("10")}));
 
-        const auto sensor = bench.plugSensor(0x05, kChannelOfBoard1);
+        const auto sensor = bench.plugSensor(0x05, LinkBench::kBoard1);
         QTRY_COMPARE(tab.current->value(), 0x05);
         QCOMPARE(tab.state->text(), kConnected);
         if (bench.bridge)
@@ -124,7 +123,7 @@ private Q_SLOTS:
 
         bench.unplug(sensor);
         QTRY_COMPARE(tab.state->text(), kGone);
-        bench.plug(sensor, kChannelOfBoard1);
+        bench.plug(sensor, LinkBench::kBoard1);
         QTRY_COMPARE(tab.state->text(), kConnected);
         tab.connection->click();
         QCOMPARE(tab.connection->text(), QStringLiteral("连接"));
@@ -172,8 +171,8 @@ private Q_SLOTS:
     {
         QFETCH(Kind, kind);
         LinkBench bench(kind);
-        const auto first = bench.plugSensor(0x05, kChannelOfBoard1);
-        const auto second = bench.plugSensor(0x0D, kChannelOfBoard1);
+        const auto first = bench.plugSensor(0x05, LinkBench::kBoard1);
+        const auto second = bench.plugSensor(0x0D, LinkBench::kBoard1);
         for (const auto &sensor : {first, second})
             sensor->setAnswerDelay(30ms);
         AddressTab tab;
@@ -193,7 +192,7 @@ private Q_SLOTS:
     {
         QFETCH(Kind, kind);
         LinkBench bench(kind);
-        bench.plugSensor(0x05, kChannelOfBoard1);
+        bench.plugSensor(0x05, LinkBench::kBoard1);
         AddressTab tab;
         tab.open(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
@@ -223,7 +222,7 @@ private Q_SLOTS:
     void followsABridgeThatMoves()
     {
         LinkBench bench(Kind::Ch341);
-        const auto sensor = bench.plugSensor(0x05, kChannelOfBoard1);
+        const auto sensor = bench.plugSensor(0x05, LinkBench::kBoard1);
         AddressTab tab;
         tab.open(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);

@@ -1,8 +1,8 @@
 // The debug tab against the bench on every link: what goes over the wire, and what stands in the log for it.
 
 #include "sim/SimPty.h"
+#include "tests/support/LinkBench.h"
 #include "tests/support/log_capture.h"
-#include "tests/tools/LinkBench.h"
 #include "tools/debug_entry.h"
 #include "tools/sensorDebugForm.h"
 

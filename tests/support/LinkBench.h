@@ -27,6 +27,10 @@ struct LinkBench
 {
     enum class Kind { Serial, Ch341, Ch347 };
     using Sensor = std::shared_ptr<SimSensor>;
+    static constexpr uint8_t kFingertip = 28;
+    /// Channels of the multiplexer that the first two boards are on.
+    static constexpr int kBoard1 = 4;
+    static constexpr int kBoard2 = 5;
 
     explicit LinkBench(Kind link, SimI2cBus::Multiplexer multiplexer = SimI2cBus::Multiplexer::Present)
         : kind(link)
@@ -51,10 +55,9 @@ struct LinkBench
     /// As log lines have it.
     QString name() const { return QLatin1String(line ? "uart" : kind == Kind::Ch341 ? "ch341" : "ch347"); }
 
-    Sensor plugSensor(uint8_t address, int channel = SimI2cBus::kTrunk)
+    Sensor plugSensor(uint8_t address, int channel = SimI2cBus::kTrunk, uint8_t prg = kFingertip)
     {
-        constexpr uint8_t fingertip = 28;
-        auto sensor = std::make_shared<SimSensor>(fingertip, address);
+        auto sensor = std::make_shared<SimSensor>(prg, address);
         plug(sensor, channel);
         return sensor;
     }
@@ -69,9 +72,8 @@ struct LinkBench
     /// only.
     QStringList writesTo(uint8_t address)
     {
-        SimJournal &journal = line ? line->journal() : bus->journal();
         QStringList writes;
-        for (const SimRecord &record : journal.records()) {
+        for (const SimRecord &record : journal().records()) {
             const bool isWrite =
                 record.kind == SimRecord::Kind::Request || record.kind == SimRecord::Kind::Write;
             if (isWrite && record.address == address)
@@ -79,6 +81,8 @@ struct LinkBench
         }
         return writes;
     }
+
+    SimJournal &journal() { return line ? line->journal() : bus->journal(); }
 
     /// Rows "serial", "ch341" and "ch347", or the bridges only.
     static void addRows(bool bridgesOnly = false)
