@@ -3,50 +3,14 @@
 #include <QFile>
 #include <QtTest>
 
-namespace {
-constexpr uint8_t kFingertip = 28;
-}
-
-UpdateBench::UpdateBench()
-    : ch341Sensor(std::make_shared<SimSensor>(kFingertip, kAddress))
-    , ch347Sensor(std::make_shared<SimSensor>(kFingertip, kAddress))
-    , serialSensor(std::make_shared<SimSensor>(kFingertip, kAddress))
+bool UpdateTab::enter(const UpdateBench &bench)
 {
-    ch341Bus->plug(ch341Sensor, kChannel);
-    ch347Bus->plug(ch347Sensor, kChannel);
-    line.plug(serialSensor);
-    usb.plug(ch341);
-    usb.plug(ch347);
-}
-
-SimBridge &UpdateBench::bridge(Road road)
-{
-    if (road == Road::Ch341)
-        return *ch341;
-    return *ch347;
-}
-
-QStringList UpdateBench::writes(Road road, uint8_t to)
-{
-    QStringList texts;
-    for (const SimRecord &record : bridge(road).bus().journal().records(SimRecord::Kind::Write)) {
-        if (record.address == to)
-            texts.append(QString::fromLatin1(record.bytes.toHex()));
-    }
-    return texts;
-}
-
-bool UpdateTab::enter(UpdateBench &bench, Road road)
-{
-    QRadioButton *const choice = road == Road::Ch341 ? ch341 : road == Road::Ch347 ? ch347 : uart;
-    choice->setChecked(true);
+    QRadioButton *const choices[] = {uart, ch341, ch347};
+    choices[static_cast<int>(bench.kind)]->setChecked(true);
     form.start();
-    const QString device = road == Road::Ch341   ? QStringLiteral("5002")
-                           : road == Road::Ch347 ? QStringLiteral("7001")
-                                                 : bench.line.portName();
-    if (!QTest::qWaitFor([this, &device] { return devices->findText(device) >= 0; }, 20000))
+    if (!QTest::qWaitFor([&] { return devices->findText(bench.id()) >= 0; }, 20000))
         return false;
-    devices->setCurrentText(device);
+    devices->setCurrentText(bench.id());
     board->setCurrentIndex(1);
     address->setValue(UpdateBench::kAddress);
     resetAddress->setValue(UpdateBench::kAddress);

@@ -1,9 +1,6 @@
 #pragma once
 
-#include "sim/SimCh341.h"
-#include "sim/SimCh347.h"
-#include "sim/SimSerialBus.h"
-#include "sim/SimUsb.h"
+#include "tests/support/LinkBench.h"
 #include "update/fwUpdateForm.h"
 
 #include <QComboBox>
@@ -15,53 +12,27 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 
-#include <memory>
+using Kind = LinkBench::Kind;
 
-/// The ways in which the tab can reach a sensor.
-enum class Road { Ch341, Ch347, Uart };
-Q_DECLARE_METATYPE(Road)
-
-/// A machine with both bridges and a serial line, the same kind of sensor behind each, at address 0x05. On
-/// the bridges it hangs on channel 4 of the multiplexer, which is board 1; the serial boot loader hears at
-/// 460800 baud.
-struct UpdateBench
+/// A link with a sensor at the end, on board 1 behind a bridge; its boot loader hears at 460800 baud.
+struct UpdateBench : LinkBench
 {
     static constexpr uint8_t kAddress = 0x05;
-    static constexpr int kChannel = 4;
 
-    UpdateBench();
+    explicit UpdateBench(Kind link)
+        : LinkBench(link)
+    {}
 
-    SimSensor &sensor(Road road) { return road == Road::Uart ? *serialSensor : *bridgeSensor(road); }
-    SimBootLoader &loader(Road road) { return sensor(road).bootLoader(); }
-    SimBridge &bridge(Road road);
-    /// Bytes in hex of every write to the address, one entry a transfer.
-    QStringList writes(Road road, uint8_t address);
+    SimBootLoader &loader() const { return sensor->bootLoader(); }
 
-    const std::shared_ptr<SimI2cBus> ch341Bus = std::make_shared<SimI2cBus>();
-    const std::shared_ptr<SimI2cBus> ch347Bus = std::make_shared<SimI2cBus>();
-    const std::shared_ptr<SimCh341> ch341 = std::make_shared<SimCh341>(ch341Bus, 5, 2);
-    const std::shared_ptr<SimCh347> ch347 = std::make_shared<SimCh347>(ch347Bus, 7001);
-    const std::shared_ptr<SimSensor> ch341Sensor;
-    const std::shared_ptr<SimSensor> ch347Sensor;
-    const std::shared_ptr<SimSensor> serialSensor;
-    SimSerialBus line;
-    SimUsb usb;
-
-private:
-    SimSensor *bridgeSensor(Road road) { return road == Road::Ch341 ? ch341Sensor.get() : ch347Sensor.get(); }
+    const Sensor sensor = plugSensor(kAddress, kBoard1);
 };
 
 /// The tab with its widgets by name, as a user has them before him.
 struct UpdateTab
 {
-    template<typename Widget>
-    Widget *child(const char *name)
-    {
-        return form.findChild<Widget *>(QLatin1String(name));
-    }
-
-    /// Enters the tab, chooses the road and waits for its device; board 1 or 460800 baud.
-    bool enter(UpdateBench &bench, Road road);
+    /// Enters the tab, chooses the link and waits for its device; board 1 or 460800 baud.
+    bool enter(const UpdateBench &bench);
     /// Chooses a file of that content. A user who chooses the first entry has it masked.
     void chooseFile(const QByteArray &content, const QString &name = QStringLiteral("app.bin"),
                     bool masked = false);
@@ -70,21 +41,21 @@ struct UpdateTab
     bool isBusy() const { return start->text() == QStringLiteral("停止"); }
 
     fwUpdateForm form;
-    QRadioButton *ch341 = child<QRadioButton>("rbtnIIC");
-    QRadioButton *ch347 = child<QRadioButton>("rbtnIICCh347");
-    QRadioButton *uart = child<QRadioButton>("rbtnUart");
-    QComboBox *devices = child<QComboBox>("cbbUpdateDevList");
-    QComboBox *speed = child<QComboBox>("cbbIICSpeed");
-    QComboBox *board = child<QComboBox>("cbbInfIdx");
-    QSpinBox *address = child<QSpinBox>("spbUpdateAddr");
-    QLineEdit *path = child<QLineEdit>("leUpdateFilePath");
-    QComboBox *version = child<QComboBox>("cbbSensorVersion");
-    QPushButton *start = child<QPushButton>("pbtnUpdateStart");
-    QComboBox *reset = child<QComboBox>("cbbResetCmd");
-    QSpinBox *resetAddress = child<QSpinBox>("spbResetAddr");
-    QLineEdit *resetText = child<QLineEdit>("leResetCmd");
-    QProgressBar *progress = child<QProgressBar>("pbUpdate");
-    QLabel *result = child<QLabel>("lbRes");
+    QRadioButton *ch341 = child<QRadioButton>(form, "rbtnIIC");
+    QRadioButton *ch347 = child<QRadioButton>(form, "rbtnIICCh347");
+    QRadioButton *uart = child<QRadioButton>(form, "rbtnUart");
+    QComboBox *devices = child<QComboBox>(form, "cbbUpdateDevList");
+    QComboBox *speed = child<QComboBox>(form, "cbbIICSpeed");
+    QComboBox *board = child<QComboBox>(form, "cbbInfIdx");
+    QSpinBox *address = child<QSpinBox>(form, "spbUpdateAddr");
+    QLineEdit *path = child<QLineEdit>(form, "leUpdateFilePath");
+    QComboBox *version = child<QComboBox>(form, "cbbSensorVersion");
+    QPushButton *start = child<QPushButton>(form, "pbtnUpdateStart");
+    QComboBox *reset = child<QComboBox>(form, "cbbResetCmd");
+    QSpinBox *resetAddress = child<QSpinBox>(form, "spbResetAddr");
+    QLineEdit *resetText = child<QLineEdit>(form, "leResetCmd");
+    QProgressBar *progress = child<QProgressBar>(form, "pbUpdate");
+    QLabel *result = child<QLabel>(form, "lbRes");
 
 private:
     QTemporaryDir m_folder;

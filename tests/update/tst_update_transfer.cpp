@@ -29,21 +29,21 @@ private Q_SLOTS:
     void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void init() { m_log = std::make_unique<LogCapture>(); }
     void cleanup() { m_log.reset(); }
-    void everyRoad()
+    void everyLink()
     {
-        for (const auto &[road, size] :
-             {std::pair(Road::Ch341, 129), std::pair(Road::Ch347, 1000), std::pair(Road::Uart, 1000)}) {
-            UpdateBench bench;
+        for (const auto &[kind, size] :
+             {std::pair(Kind::Ch341, 129), {Kind::Ch347, 1000}, {Kind::Serial, 1000}}) {
+            UpdateBench bench(kind);
             UpdateTab tab;
             QSignalSpy successes(&tab.form, &fwUpdateForm::si_updateSuccess);
-            checkNextTry(bench, tab, road, size);
+            checkNextTry(bench, tab, size);
             QCOMPARE(successes.count(), 1);
             QCOMPARE(tab.progress->value(), 100);
-            QCOMPARE(bench.loader(road).imageName(), QByteArray("app.bin"));
-            if (road == Road::Uart)
+            QCOMPARE(bench.loader().imageName(), QByteArray("app.bin"));
+            if (bench.line)
                 continue;
             // Deselected at the opening, selected, deselected at the end.
-            QCOMPARE(bench.writes(road, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 10 00"));
+            QCOMPARE(bench.writesTo(0x70).join(QLatin1Char(' ')), QStringLiteral("00 10 00"));
             QVERIFY(m_log->contains(QStringLiteral("write:11--aa5500a10000000000a001")));
             QVERIFY(m_log->contains(QStringLiteral("read:1--43")));
             m_log->clear();
@@ -52,16 +52,16 @@ private Q_SLOTS:
 
     void resetOnTheSerialLine()
     {
-        UpdateBench bench;
+        const UpdateBench bench(Kind::Serial);
         UpdateTab tab;
-        QVERIFY(tab.enter(bench, Road::Uart));
+        QVERIFY(tab.enter(bench));
         tab.resetAddress->setValue(0x61);
-        SimSettings settings = bench.serialSensor->settings();
+        SimSettings settings = bench.sensor->settings();
         settings.address = 0x61;
-        bench.serialSensor->setSettings(settings);
+        bench.sensor->setSettings(settings);
         tab.chooseFile(testImage(100));
         QVERIFY(tab.runToEnd());
-        QVERIFY(bench.serialSensor->bootLoader().image() == testImage(100));
+        QVERIFY(bench.sensor->bootLoader().image() == testImage(100));
         QStringList rates;
         for (const QString &line : m_log->lines()) {
             if (line.startsWith(QLatin1String("set ")) || line == QLatin1String("11"))
@@ -72,74 +72,74 @@ private Q_SLOTS:
                                 "set baudrate:921600 11 set rate:460800"));
 
         // The address that was put in stays, on a bridge too.
-        QVERIFY(tab.enter(bench, Road::Ch341));
+        UpdateBench bridge(Kind::Ch341);
+        QVERIFY(tab.enter(bridge));
         QVERIFY(tab.runToEnd());
-        QCOMPARE(bench.writes(Road::Ch341, UpdateBench::kAddress).first(),
-                 QStringLiteral("aa5561a100000000000102"));
+        QCOMPARE(bridge.writesTo(UpdateBench::kAddress).first(), QStringLiteral("aa5561a100000000000102"));
     }
     void maskedHexFileWithoutMultiplexer()
     {
-        UpdateBench bench;
-        bench.ch341Bus->unplug(bench.ch341Sensor);
-        bench.ch341Bus->plug(bench.ch341Sensor);
+        UpdateBench bench(Kind::Ch341);
+        bench.bus->unplug(bench.sensor);
+        bench.bus->plug(bench.sensor);
         UpdateTab tab;
-        QVERIFY(tab.enter(bench, Road::Ch341));
+        QVERIFY(tab.enter(bench));
         tab.board->setCurrentIndex(0);
         tab.chooseFile(":0500000000000000FFFC\n:00000001FF\n", QStringLiteral("APP.HEX"), true);
         QVERIFY(tab.runToEnd());
-        QCOMPARE(bench.loader(Road::Ch341).image().toHex(), QByteArray("b3c1275eff"));
-        QCOMPARE(bench.loader(Road::Ch341).imageName(), QByteArray("APP.HEX"));
-        QCOMPARE(bench.writes(Road::Ch341, 0x70).join(QLatin1Char(' ')), QStringLiteral("00 00"));
+        QCOMPARE(bench.loader().image().toHex(), QByteArray("b3c1275eff"));
+        QCOMPARE(bench.loader().imageName(), QByteArray("APP.HEX"));
+        QCOMPARE(bench.writesTo(0x70).join(QLatin1Char(' ')), QStringLiteral("00 00"));
     }
     void ended()
     {
-        const std::tuple<Road, SimBootAct, int, QString> ends[] = {
-            {Road::Ch341, SimBootAct::PowerCut, 1, kTimeout},
-            {Road::Ch347, SimBootAct::Cancel, 2, kTimeout}, // a poll of one byte never sees five of them
-            {Road::Uart, SimBootAct::Cancel, 0, kCancelled},
-            {Road::Uart, SimBootAct::PowerCut, 3, kTimeout}};
-        for (const auto &[road, act, frame, result] : ends) {
-            UpdateBench bench;
-            bench.loader(road).schedule(act, frame);
+        const std::tuple<Kind, SimBootAct, int, QString> ends[] = {
+            {Kind::Ch341, SimBootAct::PowerCut, 1, kTimeout},
+            {Kind::Ch347, SimBootAct::Cancel, 2, kTimeout}, // a poll of one byte never sees five of them
+            {Kind::Serial, SimBootAct::Cancel, 0, kCancelled},
+            {Kind::Serial, SimBootAct::PowerCut, 3, kTimeout}};
+        for (const auto &[kind, act, frame, result] : ends) {
+            UpdateBench bench(kind);
+            bench.loader().schedule(act, frame);
             UpdateTab tab;
-            QVERIFY(tab.enter(bench, road));
+            QVERIFY(tab.enter(bench));
             tab.chooseFile(testImage(1300));
             QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
             QVERIFY(tab.runToEnd());
             QCOMPARE(tab.result->text(), result);
             QCOMPARE(failures.count(), 1);
             checkIdle(bench, tab);
-            checkNextTry(bench, tab, road);
+            checkNextTry(bench, tab);
         }
     }
     void cableIsPulled()
     {
-        UpdateBench bench;
+        UpdateBench bench(Kind::Ch341);
         UpdateTab tab;
-        QVERIFY(tab.enter(bench, Road::Ch341));
+        QVERIFY(tab.enter(bench));
         tab.chooseFile(testImage(1300));
-        bench.ch341->pullOutAfter(1000);
+        bench.bridge->pullOutAfter(1000);
         QVERIFY(tab.runToEnd());
         QCOMPARE(tab.result->text(), kTimeout);
         QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-        bench.usb.plug(bench.ch341);
-        checkNextTry(bench, tab, Road::Ch341);
+        bench.restore();
+        checkNextTry(bench, tab);
     }
     void portGoesAway()
     {
-        UpdateBench bench;
+        UpdateBench bench(Kind::Serial);
         UpdateTab tab;
-        QVERIFY(tab.enter(bench, Road::Uart));
+        QVERIFY(tab.enter(bench));
         startAndWaitForTheMiddle(tab);
-        bench.line.removePort();
+        bench.pull();
         QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), kTimeout, 20000);
         checkIdle(bench, tab);
         // Without its cable the sensor had no power either; its boot loader asks by itself.
-        bench.line.unplug(bench.serialSensor);
-        bench.line.restorePort();
-        bench.line.plug(bench.serialSensor);
+        bench.unplug(bench.sensor);
+        bench.restore();
+        bench.line->plug(bench.sensor);
         tab.reset->setCurrentIndex(2);
-        checkNextTry(bench, tab, Road::Uart);
+        checkNextTry(bench, tab);
     }
     void brokenOffByTheUser()
     {
@@ -156,72 +156,69 @@ private Q_SLOTS:
             tab.ch347->click();
             QVERIFY(tab.isBusy());
         };
-        const std::tuple<Road, Act, QString> breaks[] = {{Road::Ch341, cancel, kCancelled},
-                                                         {Road::Uart, cancel, kCancelled},
-                                                         {Road::Ch347, leave, kTimeout},
-                                                         {Road::Ch341, change, kTimeout}};
-        for (const auto &[road, act, result] : breaks) {
+        const std::tuple<Kind, Act, QString> breaks[] = {{Kind::Ch341, cancel, kCancelled},
+                                                         {Kind::Serial, cancel, kCancelled},
+                                                         {Kind::Ch347, leave, kTimeout},
+                                                         {Kind::Ch341, change, kTimeout}};
+        for (const auto &[kind, act, result] : breaks) {
             m_log->clear();
-            UpdateBench bench;
+            UpdateBench bench(kind);
             UpdateTab tab;
-            QVERIFY(tab.enter(bench, road));
+            QVERIFY(tab.enter(bench));
             QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
             startAndWaitForTheMiddle(tab);
             act(tab);
-            QVERIFY(!bench.ch341->isOpen() && !bench.ch347->isOpen());
+            QVERIFY(bench.line || !bench.bridge->isOpen());
             QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), result, 20000);
             QCOMPARE(failures.count(), 1);
             QTRY_VERIFY(m_log->contains(QStringLiteral("ymodem delete")));
             // The cancel bytes come too late on a bridge.
-            const QStringList written = bench.writes(Road::Ch341, UpdateBench::kAddress) +
-                                        bench.writes(Road::Ch347, UpdateBench::kAddress);
-            QCOMPARE(written.filter(QStringLiteral("1818181818181818")), QStringList());
-            checkNextTry(bench, tab, road);
+            QCOMPARE(bench.writesTo(UpdateBench::kAddress).filter(QStringLiteral("1818181818181818")),
+                     QStringList());
+            checkNextTry(bench, tab);
         }
     }
     void startedAgainRightAfterACancel()
     {
-        UpdateBench bench;
+        UpdateBench bench(Kind::Ch341);
         UpdateTab tab;
-        QVERIFY(tab.enter(bench, Road::Ch341));
+        QVERIFY(tab.enter(bench));
         startAndWaitForTheMiddle(tab);
         tab.start->click();
         tab.chooseFile(testImage(1300));
         tab.start->click(); // the cancelled sender still lives, and must not end this one
         QTRY_VERIFY_WITH_TIMEOUT(!tab.isBusy(), 20000);
         QVERIFY2(tab.result->text().startsWith(QStringLiteral("更新成功")), qPrintable(tab.result->text()));
-        QVERIFY(bench.loader(Road::Ch341).image() == testImage(1300));
+        QVERIFY(bench.loader().image() == testImage(1300));
     }
     void formDiesInTheMiddle()
     {
-        UpdateBench bench;
+        UpdateBench bench(Kind::Ch347);
         auto tab = std::make_unique<UpdateTab>();
-        QVERIFY(tab->enter(bench, Road::Ch347));
+        QVERIFY(tab->enter(bench));
         startAndWaitForTheMiddle(*tab);
         tab.reset();
         QVERIFY(m_log->contains(QStringLiteral("ymodem delete")));
-        QVERIFY(!bench.ch347->isOpen());
+        QVERIFY(!bench.bridge->isOpen());
     }
 
 private:
-    static void checkIdle(UpdateBench &bench, UpdateTab &tab)
+    static void checkIdle(const UpdateBench &bench, UpdateTab &tab)
     {
         QCOMPARE(tab.start->text(), QStringLiteral("开始"));
-        for (const Road road : {Road::Ch341, Road::Ch347}) {
-            QVERIFY(!bench.bridge(road).isOpen());
-            QCOMPARE(bench.bridge(road).bus().selectedChannels(), uint8_t{0});
-        }
+        QVERIFY(bench.line || !bench.bridge->isOpen());
+        QCOMPARE(bench.bus->selectedChannels(), uint8_t{0});
     }
-    static void checkNextTry(UpdateBench &bench, UpdateTab &tab, Road road, int size = 1300)
+    static void checkNextTry(const UpdateBench &bench, UpdateTab &tab, int size = 1300)
     {
         tab.chooseFile(testImage(size));
-        QVERIFY(tab.enter(bench, road));
+        QVERIFY(tab.enter(bench));
         QVERIFY(tab.runToEnd());
         static const QRegularExpression success(QStringLiteral("^更新成功,用时：\\d+\\.\\d{1,3}秒$"));
         QVERIFY2(success.match(tab.result->text()).hasMatch(), qPrintable(tab.result->text()));
-        QVERIFY(bench.loader(road).hasImage());
+        QVERIFY(bench.loader().hasImage());
         const QByteArray padding(size % 16 == 8 ? 8 : 0, '\xFF');
-        QVERIFY(bench.loader(road).image() == testImage(size) + padding);
+        QVERIFY(bench.loader().image() == testImage(size) + padding);
         checkIdle(bench, tab);
     }
     static void startAndWaitForTheMiddle(UpdateTab &tab)
