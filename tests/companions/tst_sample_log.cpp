@@ -6,7 +6,7 @@
 #include "sim/SimCh341.h"
 #include "sim/SimUsb.h"
 #include "tests/panel/panel_bench.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 #include <QCheckBox>
 #include <QDir>

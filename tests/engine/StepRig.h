@@ -7,8 +7,8 @@
 #include "sim/SimPty.h"
 #include "sim/SimRequestParser.h"
 #include "sim/SimUsb.h"
-#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/test_bytes.h"
 
 #include <QCoreApplication>
 #include <QSerialPort>

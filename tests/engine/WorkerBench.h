@@ -2,7 +2,7 @@
 
 #include "tests/engine/worker_harness.h"
 #include "tests/support/LinkBench.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 /// A link of any kind with what hangs on it, and a worker.
 struct WorkerBench : LinkBench

@@ -3,6 +3,7 @@
 
 #include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
+#include "tests/support/test_bytes.h"
 #include "tests/update/VirtualTime.h"
 #include "update/class_ymodem.h"
 
@@ -17,12 +18,7 @@ constexpr int kLargestImage = 8192;
 
 QByteArray testImage(int size)
 {
-    static const QByteArray largest = [] {
-        QByteArray bytes;
-        for (int i = 0; i < kLargestImage; ++i)
-            bytes.append(static_cast<char>((i * 31 + i / 128) & 0xFF));
-        return bytes;
-    }();
+    static const QByteArray largest = testBytes(kLargestImage);
     return largest.left(size);
 }
 

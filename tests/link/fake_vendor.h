@@ -19,8 +19,6 @@ struct FakeAnswers
     uint32_t reportedRead = 0;   ///< length that a read reports, 0 for the whole
     uint32_t result = 1;         ///< of the operations that only set something
     uint32_t pins = 0;
-    uint8_t gpioDirection = 0;
-    uint8_t gpioLevels = 0;
     uint8_t nextByte = 0; ///< next byte that a read delivers
     bool listens = true;  ///< writes calls down
     /// Fills what a read delivers, instead of counting on from nextByte.

@@ -220,10 +220,7 @@ uint32_t CH347GPIO_Set(uint32_t index, uint8_t enable, uint8_t direction, uint8_
 }
 #endif
 
-uint32_t CH347GPIO_Get(uint32_t index, uint8_t *direction, uint8_t *data)
+uint32_t CH347GPIO_Get(uint32_t /*index*/, uint8_t * /*direction*/, uint8_t * /*data*/)
 {
-    note("gpioGet", index);
-    *direction = vendor().gpioDirection;
-    *data = vendor().gpioLevels;
-    return 1;
+    return 0;
 }

@@ -68,11 +68,7 @@ class TestMonitor : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QCoreApplication::setApplicationName(QStringLiteral("tst_monitor"));
-        QStandardPaths::setTestModeEnabled(true);
-    }
+    void initTestCase() { QCoreApplication::setApplicationName(QStringLiteral("tst_monitor")); }
     void init()
     {
         class_settings::set(QStringLiteral("language"), QStringLiteral("zh_cn"), QStringLiteral("config"));
@@ -151,31 +147,6 @@ private Q_SLOTS:
         QTRY_COMPARE(bench.panels(), QStringList());
         bench.button()->click();
         QVERIFY(QTest::qWaitFor([&bench] { return !bench.connected(); }, MonitorBench::kPatienceMs));
-    }
-
-    void findsALostSensorAgain()
-    {
-        MonitorBench bench;
-        const auto sensor = bench.plug(2, 0x61);
-        QVERIFY(bench.find({QStringLiteral("0/0x61")}));
-        QVERIFY(bench.mdi()->subWindowList().first()->close());
-        QTRY_VERIFY(!bench.panel("0-0x61"));
-        auto *tree = bench.form.findChild<QTreeWidget *>();
-        Q_EMIT tree->itemClicked(tree->topLevelItem(0)->child(0), 0);
-        const auto *panel = bench.panel("0-0x61");
-        QVERIFY(panel);
-        QTRY_VERIFY_WITH_TIMEOUT(!label(panel, "lbHz")->text().isEmpty(), MonitorBench::kPatienceMs);
-
-        QElapsedTimer silence;
-        silence.start();
-        bench.line.unplug(sensor);
-        QVERIFY(bench.waitForSensors({}));
-        // Counted from its last frame, in steps of 200 ms; far from the time of any other rule.
-        QVERIFY2(silence.elapsed() >= 2500, qPrintable(QString::number(silence.elapsed())));
-        QTRY_VERIFY(!bench.panel("0-0x61"));
-        bench.line.plug(sensor);
-        QVERIFY(bench.waitForSensors({QStringLiteral("0/0x61")}));
-        QVERIFY(bench.panel("0-0x61")->view());
     }
 
     void removesTheRightPanel()

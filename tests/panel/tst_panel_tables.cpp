@@ -83,7 +83,6 @@ class TestPanelTables : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
 
     void fillsTheColumnsThereAre()
     {

@@ -1,6 +1,6 @@
 #include "protocol/frames.h"
-#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/test_bytes.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // Frames in, values and texts out. Frames stand here as hex, sums included.
 
 #include "protocol/sample.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 #include <QtTest>
 

@@ -1,5 +1,6 @@
 #include "sim/SimI2cBus.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
+#include "update/ymodem_frames.h"
 
 #include <QtTest>
 
@@ -9,52 +10,12 @@ using namespace std::chrono_literals;
 
 namespace {
 
-uint16_t crc(const QByteArray &data)
-{
-    unsigned int sum = 0;
-    for (const char byte : data) {
-        sum ^= static_cast<unsigned int>(static_cast<uint8_t>(byte)) << 8;
-        for (int bit = 0; bit < 8; ++bit)
-            sum = (sum & 0x8000U) != 0 ? (sum << 1) ^ 0x1021U : sum << 1;
-    }
-    return static_cast<uint16_t>(sum);
-}
+using YmodemFrames::endOfFile;
+using YmodemFrames::header;
+using YmodemFrames::largeBlock;
+using YmodemFrames::smallBlock;
 
-QByteArray frame(int sequence, QByteArray data, int size, char padding = 0x1A)
-{
-    data = data.leftJustified(size, padding);
-    QByteArray bytes(1, size == 128 ? '\x01' : '\x02');
-    bytes.append(static_cast<char>(sequence)).append(static_cast<char>(~sequence)).append(data);
-    const uint16_t sum = crc(data);
-    return bytes.append(static_cast<char>(sum >> 8)).append(static_cast<char>(sum)).append(3, '\0');
-}
-
-QByteArray header(const QByteArray &name, int size)
-{
-    return frame(0, name + '\0' + QByteArray::number(size), 128, '\0');
-}
-
-const QByteArray kEnd = hex("04000000");
 const QByteArray kReset = hex("AA5500A10000000000A001");
-
-QByteArray someImage(int size)
-{
-    QByteArray image;
-    for (int i = 0; i < size; ++i)
-        image.append(static_cast<char>(i * 7 + (i >> 8)));
-    return image;
-}
-
-QList<QByteArray> blocksOf(const QByteArray &image)
-{
-    QList<QByteArray> blocks;
-    for (int at = 0; at < image.size();) {
-        const int size = image.size() - at > 128 ? 1024 : 128;
-        blocks.append(frame(blocks.size() + 1, image.mid(at, size), size));
-        at += size;
-    }
-    return blocks;
-}
 
 } // namespace
 
@@ -75,7 +36,7 @@ private Q_SLOTS:
 
     void checksFrames()
     {
-        const QByteArray block = blocksOf(someImage(200)).first();
+        const QByteArray block = largeBlock(1, testBytes(200));
         QByteArray badCrc = block;
         badCrc[500] = static_cast<char>(badCrc.at(500) ^ 1);
         QByteArray badTail = block;
@@ -84,14 +45,14 @@ private Q_SLOTS:
         QCOMPARE(exchange(header("a", 200)), '\x06');
         QCOMPARE(exchange(badCrc), '\x15');
         QCOMPARE(exchange(badTail), '\x15');
-        QCOMPARE(exchange(frame(2, someImage(200), 1024)), '\x15');
+        QCOMPARE(exchange(largeBlock(2, testBytes(200))), '\x15');
         QCOMPARE(exchange(block), '\x06');
         QCOMPARE(exchange(block), '\x06'); // once more, as after a lost acknowledgement
-        QCOMPARE(exchange(frame(2, someImage(128), 128)), '\x15'); // nothing is missing any more
-        QCOMPARE(m_sensor->bootLoader().image(), someImage(200));
-        QCOMPARE(exchange(kEnd), '\x06');
-        QCOMPARE(exchange(header("a", -1)), '\x15');
-        QCOMPARE(exchange(frame(0, QByteArray(128, 'a'), 128)), '\x15');
+        QCOMPARE(exchange(smallBlock(2, testBytes(128))), '\x15'); // nothing is missing any more
+        QCOMPARE(m_sensor->bootLoader().image(), testBytes(200));
+        QCOMPARE(exchange(endOfFile()), '\x06');
+        QCOMPARE(exchange(header("a", 0xFFFFFFFF)), '\x15');
+        QCOMPARE(exchange(smallBlock(0, QByteArray(128, 'a'))), '\x15');
         QCOMPARE(exchange(header("a", 2000000)), '\x18');
     }
 
@@ -99,17 +60,16 @@ private Q_SLOTS:
     {
         m_sensor->bootLoader().cutPowerAfter(136 + 500);
         write(header("a", 2048));
-        write(blocksOf(someImage(2048)).first());
+        write(largeBlock(1, testBytes(1024)));
         m_sensor->powerCycle();
         QCOMPARE(read(), 'C'); // no program to start
-        const QByteArray image = someImage(1100);
-        QCOMPARE(exchange(header("app.bin", image.size())), '\x06');
-        const QList<QByteArray> blocks = blocksOf(image); // one of 1024 bytes, one of 128
-        for (const QByteArray &block : blocks)
-            QCOMPARE(exchange(block), '\x06');
-        QCOMPARE(exchange(kEnd), '\x06');
+        const QByteArray image = testBytes(1100);
+        QCOMPARE(exchange(header("app.bin", 1100)), '\x06');
+        QCOMPARE(exchange(largeBlock(1, image.left(1024))), '\x06');
+        QCOMPARE(exchange(smallBlock(2, image.mid(1024))), '\x06');
+        QCOMPARE(exchange(endOfFile()), '\x06');
         QCOMPARE(read(), 'C');
-        QCOMPARE(exchange(frame(0, {}, 128, '\0')), '\x06');
+        QCOMPARE(exchange(header({}, 0)), '\x06');
         QCOMPARE(m_sensor->bootLoader().image(), image);
         QCOMPARE(read(), '\x55'); // the new program runs
 

@@ -2,13 +2,11 @@
 #include "link/providers/invalid_handle.h"
 #include "sim/SimCh341.h"
 #include "sim/SimUsb.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 #include <QtTest>
 
-#include <atomic>
 #include <memory>
-#include <thread>
 
 using namespace std::chrono_literals;
 
@@ -35,18 +33,6 @@ std::shared_ptr<SimSensor> quietSensor(uint8_t programId, uint8_t address)
     auto sensor = std::make_shared<SimSensor>(programId, address);
     sensor->setSampleRateHz(0);
     return sensor;
-}
-
-std::atomic<int> arrivals;
-std::atomic<int> removals;
-std::atomic<bool> routineAllowed;
-std::atomic<int> forbiddenRuns;
-
-void TACTILE_VENDOR_CALL countEvents(uint32_t status)
-{
-    ++(status == 0 ? removals : arrivals);
-    if (!routineAllowed)
-        ++forbiddenRuns;
 }
 
 } // namespace
@@ -129,31 +115,6 @@ private Q_SLOTS:
         QCOMPARE((m_bus->busTime() - before).count(), 254LL * 50000);
         QVERIFY(timer.nsecsElapsed() >= 254LL * 50000);
         QCOMPARE(CH341SetStream(0, 4), 0U);
-    }
-
-    void notificationPromise()
-    {
-        arrivals = 0;
-        removals = 0;
-        forbiddenRuns = 0;
-        std::atomic<bool> stop{false};
-        std::thread plugger([&] {
-            while (!stop) {
-                m_usb->unplug(m_ch341);
-                m_usb->plug(m_ch341);
-            }
-        });
-        for (int i = 0; i < 500; ++i) {
-            routineAllowed = true;
-            CH341SetDeviceNotify(0, nullptr, countEvents);
-            if (i % 50 == 0)
-                QTRY_VERIFY(arrivals > i / 50 && removals > i / 50);
-            CH341SetDeviceNotify(0, nullptr, nullptr);
-            routineAllowed = false;
-        }
-        stop = true;
-        plugger.join();
-        QCOMPARE(forbiddenRuns.load(), 0);
     }
 
 private:

@@ -1,5 +1,5 @@
 #include "sim/SimSensor.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 #include <QtTest>
 

@@ -1,5 +1,5 @@
 #include "sim/SimSerialBus.h"
-#include "tests/support/hex.h"
+#include "tests/support/test_bytes.h"
 
 #include <QSerialPort>
 #include <QtTest>

@@ -31,15 +31,3 @@ bool UpdateTab::runToEnd(int timeoutMs)
     start->click();
     return QTest::qWaitFor([this] { return !isBusy(); }, timeoutMs);
 }
-
-QByteArray testImage(int size)
-{
-    QByteArray image;
-    image.reserve(size);
-    quint32 state = 1;
-    for (int i = 0; i < size; ++i) {
-        state = state * 1664525U + 1013904223U;
-        image.append(static_cast<char>(state >> 24U));
-    }
-    return image;
-}

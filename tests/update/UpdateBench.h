@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/support/LinkBench.h"
+#include "tests/support/test_bytes.h"
 #include "update/fwUpdateForm.h"
 
 #include <QComboBox>
@@ -60,6 +61,3 @@ struct UpdateTab
 private:
     QTemporaryDir m_folder;
 };
-
-/// size bytes without a pattern that a shifted block could hide in.
-QByteArray testImage(int size);

@@ -1,8 +1,8 @@
 // What is sent for a file: Intel HEX text as bytes, padding, masking. Independent truth for HEX comes from
 // objcopy.
 
-#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/test_bytes.h"
 #include "update/firmware_image.h"
 #include "update/hex2bin.h"
 
@@ -14,14 +14,6 @@
 #include <tuple>
 
 namespace {
-
-QByteArray bytes(int size, int seed = 0)
-{
-    QByteArray result;
-    for (int i = 0; i < size; ++i)
-        result.append(static_cast<char>((i * 7 + i / 251 + seed) & 0xFF));
-    return result;
-}
 
 /// A HEX line for a record with the right check byte.
 QByteArray record(int type, int offset, const QByteArray &data)
@@ -81,7 +73,7 @@ private Q_SLOTS:
             << record(2, 0, hex("1000")) + record(0, 0, "A") + record(3, 0, hex("12345678")) +
                    record(4, 0, hex("0800")) + record(0, 0, "B") + kEnd
             << QByteArray("AB");
-        QTest::newRow("255 bytes in a record") << record(0, 0, bytes(255)) + kEnd << bytes(255);
+        QTest::newRow("255 bytes in a record") << record(0, 0, testBytes(255)) + kEnd << testBytes(255);
 
         QTest::newRow("only an end record") << kEnd << QByteArray();
         QTest::newRow("bad sum in the last line") << data + ":00000001FE\n" << QByteArray();
@@ -118,17 +110,17 @@ private Q_SLOTS:
     void asObjcopyMakesIt()
     {
         for (const int size : {1, 15, 16, 17, 65536, 65537, 200001}) {
-            const QByteArray text = objcopied(bytes(size));
+            const QByteArray text = objcopied(testBytes(size));
             QVERIFY2(text.startsWith(':'), "install binutils");
-            QVERIFY(hex2bin::hexToBin(text) == bytes(size));
+            QVERIFY(hex2bin::hexToBin(text) == testBytes(size));
         }
     }
     void padding()
     {
         for (const int size : {1, 7, 8, 9, 16, 23, 24, 25, 40}) {
-            const QByteArray image = firmwareImage(QStringLiteral("app.bin"), bytes(size), false);
+            const QByteArray image = firmwareImage(QStringLiteral("app.bin"), testBytes(size), false);
             const bool isPadded = size == 8 || size == 24 || size == 40;
-            QCOMPARE(image, bytes(size) + QByteArray(isPadded ? 8 : 0, '\xFF'));
+            QCOMPARE(image, testBytes(size) + QByteArray(isPadded ? 8 : 0, '\xFF'));
         }
     }
     void masking()

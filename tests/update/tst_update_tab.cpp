@@ -7,9 +7,7 @@
 #include "update/success_text.h"
 
 #include <QFileDialog>
-#include <QStandardPaths>
 #include <QTimer>
-#include <QTranslator>
 #include <QtTest>
 
 namespace {
@@ -40,11 +38,6 @@ class tst_update_tab : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        QStandardPaths::setTestModeEnabled(true);
-        Q_INIT_RESOURCE(translations);
-    }
     void init()
     {
         m_log = std::make_unique<LogCapture>();
@@ -224,7 +217,7 @@ private Q_SLOTS:
         UpdateTab tab;
         QVERIFY(tab.enter(bench));
         tab.reset->setCurrentIndex(2);
-        tab.chooseFile(testImage(5000));
+        tab.chooseFile(testBytes(5000));
         const auto runsAt = [&](int khz) {
             constexpr int kBytes = 100;
             const std::chrono::nanoseconds before = bench.bus->busTime();
@@ -252,7 +245,7 @@ private Q_SLOTS:
         UpdateBench bench(Kind::Ch341);
         UpdateTab tab;
         QVERIFY(tab.enter(bench));
-        tab.chooseFile(testImage(5000));
+        tab.chooseFile(testBytes(5000));
         QTest::mouseClick(tab.start, Qt::LeftButton);
         QTest::mouseDClick(tab.start, Qt::LeftButton);
         QTest::mouseRelease(tab.start, Qt::LeftButton);
@@ -305,34 +298,6 @@ private Q_SLOTS:
     {
         QCOMPARE(updateSuccessText(std::chrono::milliseconds(5007)), QStringLiteral("更新成功,用时：5.7秒"));
         QCOMPARE(updateSuccessText(std::chrono::milliseconds(5070)), QStringLiteral("更新成功,用时：5.70秒"));
-    }
-    void inEnglish()
-    {
-        QTranslator english;
-        QVERIFY(english.load(QStringLiteral(":/en.qm")));
-        QVERIFY(QCoreApplication::installTranslator(&english));
-        const UpdateBench bench(Kind::Ch341);
-        UpdateTab tab;
-        QCOMPARE(joined(tab.version), QStringLiteral("Encrypt Normal"));
-        QCOMPARE(joined(tab.reset), QStringLiteral("Default Custom No"));
-        QStringList boards{QStringLiteral("None"),    QStringLiteral("Board-1"), QStringLiteral("Board-2"),
-                           QStringLiteral("Board-3"), QStringLiteral("Board-4"), QStringLiteral("Board-5")};
-        QCOMPARE(items(tab.board), boards + kBoards.mid(6));
-        tab.start->click();
-        QCOMPARE(tab.result->text(), QStringLiteral("Port err"));
-        QVERIFY(tab.enter(bench));
-        tab.path->clear();
-        tab.start->click();
-        QCOMPARE(tab.result->text(), QStringLiteral("Load file err"));
-        tab.chooseFile("U");
-        tab.start->click();
-        QCOMPARE(tab.start->text(), QStringLiteral("Stop"));
-        QCOMPARE(tab.result->text(), QStringLiteral("Start download"));
-        QTRY_COMPARE(tab.start->text(), QStringLiteral("Start"));
-        QVERIFY2(tab.result->text().startsWith(QStringLiteral("Success, time:0.")),
-                 qPrintable(tab.result->text()));
-        QVERIFY(tab.result->text().endsWith(QStringLiteral("秒")));
-        QCoreApplication::removeTranslator(&english);
     }
 
 private:

@@ -7,7 +7,6 @@
 
 #include <QRegularExpression>
 #include <QSignalSpy>
-#include <QStandardPaths>
 #include <QtTest>
 
 #include <functional>
@@ -26,7 +25,6 @@ class tst_update_transfer : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QStandardPaths::setTestModeEnabled(true); }
     void init() { m_log = std::make_unique<LogCapture>(); }
     void cleanup() { m_log.reset(); }
     void everyLink()
@@ -59,9 +57,9 @@ private Q_SLOTS:
         SimSettings settings = bench.sensor->settings();
         settings.address = 0x61;
         bench.sensor->setSettings(settings);
-        tab.chooseFile(testImage(100));
+        tab.chooseFile(testBytes(100));
         QVERIFY(tab.runToEnd());
-        QVERIFY(bench.sensor->bootLoader().image() == testImage(100));
+        QVERIFY(bench.sensor->bootLoader().image() == testBytes(100));
         QStringList rates;
         for (const QString &line : m_log->lines()) {
             if (line.startsWith(QLatin1String("set ")) || line == QLatin1String("11"))
@@ -103,7 +101,7 @@ private Q_SLOTS:
             bench.loader().schedule(act, frame);
             UpdateTab tab;
             QVERIFY(tab.enter(bench));
-            tab.chooseFile(testImage(1300));
+            tab.chooseFile(testBytes(1300));
             QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
             QVERIFY(tab.runToEnd());
             QCOMPARE(tab.result->text(), result);
@@ -117,7 +115,7 @@ private Q_SLOTS:
         UpdateBench bench(Kind::Ch341);
         UpdateTab tab;
         QVERIFY(tab.enter(bench));
-        tab.chooseFile(testImage(1300));
+        tab.chooseFile(testBytes(1300));
         bench.bridge->pullOutAfter(1000);
         QVERIFY(tab.runToEnd());
         QCOMPARE(tab.result->text(), kTimeout);
@@ -185,11 +183,11 @@ private Q_SLOTS:
         QVERIFY(tab.enter(bench));
         startAndWaitForTheMiddle(tab);
         tab.start->click();
-        tab.chooseFile(testImage(1300));
+        tab.chooseFile(testBytes(1300));
         tab.start->click(); // the cancelled sender still lives, and must not end this one
         QTRY_VERIFY_WITH_TIMEOUT(!tab.isBusy(), 20000);
         QVERIFY2(tab.result->text().startsWith(QStringLiteral("更新成功")), qPrintable(tab.result->text()));
-        QVERIFY(bench.loader().image() == testImage(1300));
+        QVERIFY(bench.loader().image() == testBytes(1300));
     }
     void formDiesInTheMiddle()
     {
@@ -211,19 +209,19 @@ private:
     }
     static void checkNextTry(const UpdateBench &bench, UpdateTab &tab, int size = 1300)
     {
-        tab.chooseFile(testImage(size));
+        tab.chooseFile(testBytes(size));
         QVERIFY(tab.enter(bench));
         QVERIFY(tab.runToEnd());
         static const QRegularExpression success(QStringLiteral("^更新成功,用时：\\d+\\.\\d{1,3}秒$"));
         QVERIFY2(success.match(tab.result->text()).hasMatch(), qPrintable(tab.result->text()));
         QVERIFY(bench.loader().hasImage());
         const QByteArray padding(size % 16 == 8 ? 8 : 0, '\xFF');
-        QVERIFY(bench.loader().image() == testImage(size) + padding);
+        QVERIFY(bench.loader().image() == testBytes(size) + padding);
         checkIdle(bench, tab);
     }
     static void startAndWaitForTheMiddle(UpdateTab &tab)
     {
-        tab.chooseFile(testImage(30000));
+        tab.chooseFile(testBytes(30000));
         tab.start->click();
         QTRY_VERIFY(tab.progress->value() > 10);
         QCOMPARE(tab.result->text(), QStringLiteral("开始更新"));

@@ -2,8 +2,8 @@
 // in which a transfer can be held up or ended. Nothing of the sender's frame builder is used here, and no
 // time passes.
 
-#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/test_bytes.h"
 #include "tests/update/SenderBench.h"
 
 #include <QtTest>
@@ -12,14 +12,6 @@
 #include <tuple>
 
 namespace {
-
-QByteArray pattern(int size)
-{
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i)
-        bytes.append(static_cast<char>((i * 13 + i / 256) & 0xFF));
-    return bytes;
-}
 
 void advance(int ms)
 {
@@ -77,13 +69,13 @@ private Q_SLOTS:
         for (const int size : {0, 1, 128, 129, 500, 1023, 1024, 1025, 1100, 1300, 65536, 300000}) {
             for (const bool isSerial : {false, true}) {
                 SimBootLoader loader;
-                SenderBench bench(pattern(size), &loader, QStringLiteral("abcdefghijklmnopqrstuvwxyz.bin"));
+                SenderBench bench(testBytes(size), &loader, QStringLiteral("abcdefghijklmnopqrstuvwxyz.bin"));
                 bench.isSerial = isSerial;
                 QVERIFY(bench.runToEnd());
                 QCOMPARE(bench.successes.count(), 1);
                 QVERIFY(loader.hasImage());
                 QCOMPARE(loader.imageName(), QByteArray("abcdefghijklmnopqrst"));
-                QVERIFY(loader.image() == pattern(size));
+                QVERIFY(loader.image() == testBytes(size));
                 QCOMPARE(bench.readLengths.count(1), bench.readLengths.size());
                 QCOMPARE(bench.progress.first(), 0);
                 QCOMPARE(bench.progress.last(), 100);
@@ -95,7 +87,7 @@ private Q_SLOTS:
     {
         {
             SimBootLoader loader;
-            SenderBench bench(pattern(1100), &loader);
+            SenderBench bench(testBytes(1100), &loader);
             QVERIFY(bench.runToEnd());
             QCOMPARE(bench.progress, (QList<int>{0, 93, 99, 0, 100}));
             // Header with the first poll; its ACK, then "C", then 10 ms; ACK and 10 ms twice; ACK, "C" and
@@ -144,7 +136,7 @@ private Q_SLOTS:
                                                     {"\xFF\x06", 0},
                                                     {"\x01", 0}};
         for (const auto &[bytes, writes] : reads) {
-            SenderBench bench(pattern(100));
+            SenderBench bench(testBytes(100));
             bench.sendHeader();
             bench.miss(19);
             bench.writes.clear();
@@ -155,7 +147,7 @@ private Q_SLOTS:
     }
     void twentyMissesSendAgain()
     {
-        SenderBench bench(pattern(100));
+        SenderBench bench(testBytes(100));
         bench.sender.update_start();
         bench.miss(20);
         QCOMPARE(bench.writes, QList<QByteArray>{QByteArray()}); // nothing has been built yet
@@ -170,16 +162,16 @@ private Q_SLOTS:
     }
     void missesAreSharedByTransfers()
     {
-        SenderBench first(pattern(100));
+        SenderBench first(testBytes(100));
         first.sender.update_start();
         first.miss(15);
-        SenderBench second(pattern(100));
+        SenderBench second(testBytes(100));
         second.sender.update_start();
         second.miss(5);
         QCOMPARE(second.writes.size(), 1);
 
         // The end-of-file frame does not clear the count, every other frame does.
-        SenderBench third(pattern(100));
+        SenderBench third(testBytes(100));
         third.sendHeader();
         third.receive({"\x06", "C"});
         third.miss(15);
@@ -192,7 +184,7 @@ private Q_SLOTS:
     }
     void missesWhileDataIsAwaitedGoBackToTheHeader()
     {
-        SenderBench bench(pattern(100));
+        SenderBench bench(testBytes(100));
         bench.sendHeader();
         bench.receive({"\x06"});
         bench.miss(20);
@@ -209,7 +201,7 @@ private Q_SLOTS:
         SimBootLoader loader;
         loader.setWindow(std::chrono::minutes(1));
         loader.schedule(SimBootAct::Nak, 0, 1000);
-        SenderBench bench(pattern(100), &loader);
+        SenderBench bench(testBytes(100), &loader);
         bench.sender.update_start();
         advance(10 + 1999); // the header goes out at the first poll and starts the guard anew
         QCOMPARE(bench.timeouts.count(), 0);
@@ -222,7 +214,7 @@ private Q_SLOTS:
     }
     void silenceEndsInATimeout()
     {
-        SenderBench bench(pattern(100));
+        SenderBench bench(testBytes(100));
         bench.sender.update_start();
         advance(1999);
         QCOMPARE(bench.timeouts.count(), 0);
@@ -242,7 +234,7 @@ private Q_SLOTS:
             {five.left(4), 0}, {five.left(4) + "C", 0}, {"C" + five, 0}};
         for (const auto &[bytes, cancels] : reads) {
             m_log->clear();
-            SenderBench bench(pattern(100));
+            SenderBench bench(testBytes(100));
             bench.sender.update_start();
             bench.receive({bytes});
             QCOMPARE(bench.cancels.count(), cancels);
@@ -251,7 +243,7 @@ private Q_SLOTS:
     }
     void ownerCancels()
     {
-        SenderBench bench(pattern(100));
+        SenderBench bench(testBytes(100));
         bench.sendHeader();
         bench.sender.update_cancel();
         advance(10);
@@ -270,11 +262,11 @@ private Q_SLOTS:
         const auto holdUp = [](SimBootAct act, int at, bool isSerial) {
             SimBootLoader loader;
             loader.schedule(act, at);
-            SenderBench bench(pattern(1300), &loader);
+            SenderBench bench(testBytes(1300), &loader);
             bench.isSerial = isSerial;
             QVERIFY(bench.runToEnd());
             QCOMPARE(bench.successes.count(), 1);
-            QVERIFY(loader.image() == pattern(1300));
+            QVERIFY(loader.image() == testBytes(1300));
             QCOMPARE(bench.writes.size(), 6);
             QCOMPARE(bench.writes.at(at + 1), bench.writes.at(at));
         };
@@ -303,15 +295,15 @@ private Q_SLOTS:
             for (int at = fault.firstFrame; at < 5; ++at) {
                 SimBootLoader loader;
                 loader.schedule(fault.act, at, fault.times);
-                auto bench = std::make_unique<SenderBench>(pattern(1300), &loader);
+                auto bench = std::make_unique<SenderBench>(testBytes(1300), &loader);
                 bench->isSerial = fault.isSerial;
                 QVERIFY(bench->runToEnd());
                 QCOMPARE(bench->cancels.count(), fault.isSerial ? 1 : 0);
                 QCOMPARE(bench->timeouts.count(), fault.isSerial ? 0 : 1);
-                bench = std::make_unique<SenderBench>(pattern(1300), &loader);
+                bench = std::make_unique<SenderBench>(testBytes(1300), &loader);
                 QVERIFY(bench->runToEnd());
                 QCOMPARE(bench->successes.count(), 1);
-                QVERIFY(loader.image() == pattern(1300));
+                QVERIFY(loader.image() == testBytes(1300));
             }
         }
     }
@@ -322,17 +314,17 @@ private Q_SLOTS:
         for (const auto &[isSerial, silence] : {std::pair(false, hex("FF")), {false, {}}, {true, {}}}) {
             for (int bytes = 0; bytes <= allBytes; ++bytes) {
                 SimBootLoader loader;
-                SenderBench cut(pattern(1030), &loader);
+                SenderBench cut(testBytes(1030), &loader);
                 cut.isSerial = isSerial;
                 cut.bytesUntilCut = bytes;
                 cut.silence = silence;
                 QVERIFY(cut.runToEnd());
                 QCOMPARE(cut.timeouts.count(), 1);
-                SenderBench next(pattern(1030), &loader);
+                SenderBench next(testBytes(1030), &loader);
                 next.isSerial = isSerial;
                 QVERIFY(next.runToEnd());
                 QVERIFY2(next.successes.count() == 1, qPrintable(QString::number(bytes)));
-                QVERIFY(loader.image() == pattern(1030));
+                QVERIFY(loader.image() == testBytes(1030));
             }
         }
     }

@@ -1,8 +1,8 @@
 // Frames in, calls and lists out; what a frame says is the protocol's to test.
 
 #include "tests/support/box_answer.h"
-#include "tests/support/hex.h"
 #include "tests/support/log_capture.h"
+#include "tests/support/test_bytes.h"
 #include "views/class_finger.h"
 
 #include <QSignalSpy>

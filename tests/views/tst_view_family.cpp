@@ -11,11 +11,8 @@
 #include <QLabel>
 #include <QMap>
 #include <QProgressBar>
-#include <QRegularExpression>
-#include <QScopeGuard>
 #include <QTabWidget>
 #include <QTest>
-#include <QTranslator>
 
 #include <algorithm>
 #include <iterator>
@@ -35,48 +32,47 @@ struct Expected
     int mProxBars;
     bool showsNumbers;
     const char *titles;
-    const char *englishTitles;
 };
 
 // clang-format off
 const Expected kViews[] = {
-    {{2}, 300000, 139, 140, 1, 0, 1, 0, false, "三维力 压力 接近 数据", "Data Forcr Proximity Data"},
-    {{17}, 300000, 139, 140, 2, 0, 2, 1, false, "三维力 压力 接近", "Data Force Proximity"},
-    {{18}, 300000, 139, 140, 2, 0, 1, 0, false, "三维力 接近", "Data Proximity"},
-    {{19}, 300000, 139, 140, 1, 0, 1, 0, true, "三维力 压力 接近", "Data Force Proximity"},
-    {{20}, 300000, 139, 140, 2, 0, 1, 0, false, "三维力 压力 接近", "Data Force Proximity"},
-    {{21, 22, 23}, 300000, 139, 140, 3, 0, 2, 1, false, "三维力 压力 接近", "Data Force Proximity"},
-    {{24, 46}, 300000, 139, 140, 2, 0, 1, 0, true, "压力 接近", "Force Proximity"},
-    {{25, 26}, 300000, 139, 140, 0, 0, 0, 0, false, "", ""},
-    {{27, 28, 30}, 300000, 139, 140, 1, 0, 1, 0, false, "", ""},
-    {{29}, 300000, 139, 140, 2, 0, 2, 1, false, "接近", "Proximity"},
-    {{31}, 300000, 139, 140, 1, 0, 0, 0, false, "", ""},
-    {{34}, 340000, 139, 140, 0, 0, 0, 0, false, "", ""},
-    {{37, 47, 49, 57, 58}, 370000, 139, 140, 1, 0, 1, 0, false, "压力 接近", "Force Proximity"},
-    {{38}, 380000, 139, 140, 2, 0, 1, 1, false, "压力 接近", "Force Proximity"},
-    {{39}, 390000, 139, 140, 1, 0, 1, 0, false, "压力 接近", "Force Proximity"},
-    {{40}, 400000, 140, 140, 1, 0, 1, 0, false, "压力 接近", "Force Proximity"},
-    {{41}, 410000, 141, 141, 1, 0, 1, 0, false, "压力 接近", "Force Proximity"},
-    {{42}, 450000, 145, 145, 3, 31, 1, 0, false, "压力 接近", "Force Proximity"},
-    {{43}, 430000, 143, 143, 2, 0, 2, 1, false, "三维力 压力 接近", "Data Force Proximity"},
-    {{44}, 450000, 145, 145, 1, 13, 1, 0, true, "三维力 压力 接近", "Force Data Proximity"},
-    {{45}, 450000, 145, 145, 15, 0, 1, 0, false, "三维力 压力 接近", "Data Force Proximity"},
-    {{48}, 370000, 139, 140, 2, 0, 2, 1, false, "压力 接近", "Force Proximity"},
-    {{50, 54}, 370000, 139, 140, 1, 0, 1, 0, true, "压力 接近", "Force Proximity"},
-    {{52}, 370000, 139, 140, 2, 0, 2, 1, true, "压力 接近", "Force Proximity"},
-    {{55, 56, 96}, 370000, 139, 140, 1, 0, 1, 0, true, "三维力 压力 接近", "Force Data Proximity"},
-    {{59}, 370000, 139, 140, 4, 0, 1, 0, true, "压力 接近", "Force Proximity"},
-    {{64, 95}, 370000, 139, 140, 1, 0, 1, 0, false, "压力 接近", "Data Proximity"},
-    {{67, 70}, 300000, 139, 140, 2, 0, 1, 0, false, "压力 接近", "Data Proximity"},
-    {{69}, 410000, 141, 141, 1, 0, 1, 0, false, "三维力 压力 接近", "Force Data Proximity"},
-    {{76}, 450000, 145, 145, 3, 12, 1, 0, false, "压力 接近", "Data Proximity"},
-    {{81}, 370000, 139, 140, 1, 0, 1, 0, false, "三维力 压力 接近", "Force Data Proximity"},
-    {{83}, 450000, 145, 145, 1, 5, 1, 0, false, "", ""},
-    {{85}, 450000, 145, 145, 1, 10, 2, 1, false, "", ""},
-    {{86}, 450000, 145, 145, 1, 10, 1, 0, false, "", ""},
-    {{98}, 450000, 145, 145, 1, 0, 1, 0, false, "接近", "Proximity"},
-    {{102}, 370000, 139, 140, 1, 0, 1, 0, true, "接近", "Proximity"},
-    {{110, 111}, 370000, 139, 140, 1, 12, 1, 0, true, "", ""},
+    {{2}, 300000, 139, 140, 1, 0, 1, 0, false, "三维力 压力 接近 数据"},
+    {{17}, 300000, 139, 140, 2, 0, 2, 1, false, "三维力 压力 接近"},
+    {{18}, 300000, 139, 140, 2, 0, 1, 0, false, "三维力 接近"},
+    {{19}, 300000, 139, 140, 1, 0, 1, 0, true, "三维力 压力 接近"},
+    {{20}, 300000, 139, 140, 2, 0, 1, 0, false, "三维力 压力 接近"},
+    {{21, 22, 23}, 300000, 139, 140, 3, 0, 2, 1, false, "三维力 压力 接近"},
+    {{24, 46}, 300000, 139, 140, 2, 0, 1, 0, true, "压力 接近"},
+    {{25, 26}, 300000, 139, 140, 0, 0, 0, 0, false, ""},
+    {{27, 28, 30}, 300000, 139, 140, 1, 0, 1, 0, false, ""},
+    {{29}, 300000, 139, 140, 2, 0, 2, 1, false, "接近"},
+    {{31}, 300000, 139, 140, 1, 0, 0, 0, false, ""},
+    {{34}, 340000, 139, 140, 0, 0, 0, 0, false, ""},
+    {{37, 47, 49, 57, 58}, 370000, 139, 140, 1, 0, 1, 0, false, "压力 接近"},
+    {{38}, 380000, 139, 140, 2, 0, 1, 1, false, "压力 接近"},
+    {{39}, 390000, 139, 140, 1, 0, 1, 0, false, "压力 接近"},
+    {{40}, 400000, 140, 140, 1, 0, 1, 0, false, "压力 接近"},
+    {{41}, 410000, 141, 141, 1, 0, 1, 0, false, "压力 接近"},
+    {{42}, 450000, 145, 145, 3, 31, 1, 0, false, "压力 接近"},
+    {{43}, 430000, 143, 143, 2, 0, 2, 1, false, "三维力 压力 接近"},
+    {{44}, 450000, 145, 145, 1, 13, 1, 0, true, "三维力 压力 接近"},
+    {{45}, 450000, 145, 145, 15, 0, 1, 0, false, "三维力 压力 接近"},
+    {{48}, 370000, 139, 140, 2, 0, 2, 1, false, "压力 接近"},
+    {{50, 54}, 370000, 139, 140, 1, 0, 1, 0, true, "压力 接近"},
+    {{52}, 370000, 139, 140, 2, 0, 2, 1, true, "压力 接近"},
+    {{55, 56, 96}, 370000, 139, 140, 1, 0, 1, 0, true, "三维力 压力 接近"},
+    {{59}, 370000, 139, 140, 4, 0, 1, 0, true, "压力 接近"},
+    {{64, 95}, 370000, 139, 140, 1, 0, 1, 0, false, "压力 接近"},
+    {{67, 70}, 300000, 139, 140, 2, 0, 1, 0, false, "压力 接近"},
+    {{69}, 410000, 141, 141, 1, 0, 1, 0, false, "三维力 压力 接近"},
+    {{76}, 450000, 145, 145, 3, 12, 1, 0, false, "压力 接近"},
+    {{81}, 370000, 139, 140, 1, 0, 1, 0, false, "三维力 压力 接近"},
+    {{83}, 450000, 145, 145, 1, 5, 1, 0, false, ""},
+    {{85}, 450000, 145, 145, 1, 10, 2, 1, false, ""},
+    {{86}, 450000, 145, 145, 1, 10, 1, 0, false, ""},
+    {{98}, 450000, 145, 145, 1, 0, 1, 0, false, "接近"},
+    {{102}, 370000, 139, 140, 1, 0, 1, 0, true, "接近"},
+    {{110, 111}, 370000, 139, 140, 1, 12, 1, 0, true, ""},
 };
 // clang-format on
 
@@ -220,23 +216,6 @@ private Q_SLOTS:
         const auto *pages = view.widget->findChild<QTabWidget *>();
         QCOMPARE(pages == nullptr, expected->titles[0] == '\0');
         QVERIFY(pages == nullptr || pages->currentIndex() == 0);
-    }
-
-    void pagesInEnglish_data() { addRows(false); }
-
-    void pagesInEnglish()
-    {
-        QFETCH(int, id);
-        Q_INIT_RESOURCE(translations);
-        QTranslator english;
-        QVERIFY(english.load(QStringLiteral(":/en.qm")));
-        QCoreApplication::installTranslator(&english);
-        const auto back = qScopeGuard([&english] { QCoreApplication::removeTranslator(&english); });
-        const ViewProbe view = probe(id);
-        QCOMPARE(titles(view), QString::fromUtf8(expectedView(id)->englishTitles));
-        static const QRegularExpression chinese(QStringLiteral("[\\x{4e00}-\\x{9fff}]"));
-        for (const QLabel *label : view.widget->findChildren<QLabel *>())
-            QVERIFY(!label->text().contains(chinese));
     }
 
     void numbersAndShades_data() { addRows(false); }

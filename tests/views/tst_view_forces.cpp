@@ -42,60 +42,47 @@ public:
     }
 
 private Q_SLOTS:
-    void gaugeColours_data()
-    {
-        QTest::addColumn<float>("from"); // the ends of a band, both inside
-        QTest::addColumn<float>("to");
-        QTest::addColumn<QColor>("colour");
-        QTest::newRow("up to 9.72 of 216") << -5.0F << 0.9F << kRest;
-        QTest::newRow("10.04 to 35.96") << 0.93F << 3.33F << QColor(255, 165, 165);
-        QTest::newRow("36.07 to 71.93") << 3.34F << 6.66F << QColor(255, 140, 140);
-        QTest::newRow("72.04 to 107.89") << 6.67F << 9.99F << QColor(255, 105, 97);
-        QTest::newRow("108 to 143.96") << 10.0F << 13.33F << QColor(255, 69, 0);
-        QTest::newRow("144.07 to 179.93") << 13.34F << 16.66F << QColor(220, 20, 60);
-        QTest::newRow("180.04 to 215.89") << 16.67F << 19.99F << QColor(139, 0, 0);
-        QTest::newRow("full") << 20.0F << 655.35F << QColor(139, 9, 9);
-    }
-
     void gaugeColours()
     {
-        QFETCH(float, from);
-        QFETCH(float, to);
-        for (const int number : {20, 19, 17}) { // above full scale, and from it on
-            const ViewProbe view(number);
-            for (const float newtons : {from, to}) {
-                view.finger->setYdds(0, newtons, 0.0F, 0);
-                QTEST(view.gauge(1)->discBrush.color(), "colour");
+        // The ends of the bands, both inside, up to the full scale of 20 N, which is 216.
+        const std::tuple<float, float, QColor> bands[] = {
+            {-5.0F, 0.9F, kRest},           {0.93F, 3.33F, {255, 165, 165}}, {3.34F, 6.66F, {255, 140, 140}},
+            {6.67F, 9.99F, {255, 105, 97}}, {10.0F, 13.33F, {255, 69, 0}},   {13.34F, 16.66F, {220, 20, 60}},
+            {16.67F, 19.99F, {139, 0, 0}},  {20.0F, 655.35F, {139, 9, 9}}};
+        for (const auto &[from, to, colour] : bands) {
+            for (const int number : {20, 19, 17}) { // above full scale, and from it on
+                const ViewProbe view(number);
+                for (const float newtons : {from, to}) {
+                    view.finger->setYdds(0, newtons, 0.0F, 0);
+                    QCOMPARE(view.gauge(1)->discBrush.color(), colour);
+                }
             }
         }
     }
 
-    void arrows_data()
-    {
-        QTest::addColumn<int>("view");
-        QTest::addColumn<float>("normal");
-        QTest::addColumn<float>("tangential");
-        QTest::addColumn<int>("given");
-        QTest::addColumn<int>("shown");
-        QTest::addColumn<float>("scale");
-        QTest::newRow("no tangential force") << 20 << 9.0F << 0.0F << 90 << int(kNone) << 0.0F;
-        QTest::newRow("the least one") << 20 << 0.0F << 0.01F << 359 << 359 << 0.0005F;
-        QTest::newRow("beyond the scale") << 20 << 0.0F << 25.0F << 1 << 1 << 1.0F;
-        QTest::newRow("a whole turn") << 20 << 0.0F << 5.0F << 360 << int(kNone) << 0.25F;
-        QTest::newRow("a stub by normal force") << 83 << 0.01F << 0.0F << 90 << 90 << 0.0F;
-    }
-
     void arrows()
     {
-        QFETCH(int, view);
-        QFETCH(float, normal);
-        QFETCH(float, tangential);
-        QFETCH(int, given);
-        const ViewProbe shown(view);
-        shown.finger->setYdds(0, 1.0F, 1.0F, 45);
-        shown.finger->setYdds(0, normal, tangential, static_cast<uint16_t>(given));
-        QTEST(int(shown.gauge(1)->direction), "shown");
-        QTEST(shown.gauge(1)->arrowScale, "scale");
+        struct Arrow
+        {
+            int view;
+            float normal;
+            float tangential;
+            uint16_t given;
+            uint16_t shown;
+            float scale;
+        };
+        // None, the least one, beyond the scale, a whole turn, a stub by normal force.
+        for (const Arrow &arrow : {Arrow{20, 9.0F, 0.0F, 90, kNone, 0.0F},
+                                   {20, 0.0F, 0.01F, 359, 359, 0.0005F},
+                                   {20, 0.0F, 25.0F, 1, 1, 1.0F},
+                                   {20, 0.0F, 5.0F, 360, kNone, 0.25F},
+                                   {83, 0.01F, 0.0F, 90, 90, 0.0F}}) {
+            const ViewProbe shown(arrow.view);
+            shown.finger->setYdds(0, 1.0F, 1.0F, 45);
+            shown.finger->setYdds(0, arrow.normal, arrow.tangential, arrow.given);
+            QCOMPARE(shown.gauge(1)->direction, arrow.shown);
+            QCOMPARE(shown.gauge(1)->arrowScale, arrow.scale);
+        }
     }
 
     void pressColours()
