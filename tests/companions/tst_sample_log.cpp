@@ -6,7 +6,6 @@
 #include "sim/SimCh341.h"
 #include "sim/SimUsb.h"
 #include "tests/panel/panel_bench.h"
-#include "tests/support/test_bytes.h"
 
 #include <QCheckBox>
 #include <QDir>
@@ -18,17 +17,6 @@
 #include <sys/resource.h>
 
 namespace {
-
-/// A sample of the bench's sensor, with a counter: as in PanelBench::sample().
-QVector<uint8_t> frame(int counter, int bytes = 62)
-{
-    const QByteArray pack =
-        PanelBench::sealed(hex("55aa0385") + static_cast<char>(counter) +
-                           hex("00 03000000 02000000 fdffffff 00000000 01000000 41420f00 06000000 07000000"
-                               "0000a03f 00000000 0000003f 00000000 5a00 07000000"))
-            .left(bytes);
-    return {pack.begin(), pack.end()};
-}
 
 /// Told by this program id the window shows a view of longer frames, which refuses what the sensor sends.
 constexpr uint8_t kWindowReadsAnotherModel = 0x3C;
@@ -50,7 +38,7 @@ sensor_ts sensor(uint8_t prg, uint8_t addr = 0x61)
     made.addr = addr;
     made.prg = prg;
     made.sn = QStringLiteral("A\"1");
-    made.pack = frame(0);
+    made.pack = PanelBench::frame(0);
     return made;
 }
 
@@ -111,7 +99,8 @@ private Q_SLOTS:
 
     void writesCleanLines()
     {
-        const QVector<QVector<uint8_t>> packs{frame(255), frame(0, 61), frame(1)};
+        const QVector<QVector<uint8_t>> packs{PanelBench::frame(255), PanelBench::frame(0, 61),
+                                              PanelBench::frame(1)};
         const QString table = QStringLiteral(
             "__1__0x61.csv\n"
             "time_ms,counter,ch0,ch1,ch2,ch3,ch4,ch5,ch6,ch7,normal_force_n_0,tangential_force_n_0,"
@@ -137,10 +126,10 @@ private Q_SLOTS:
         SampleLog log(LogFormat::Csv, folder.path());
         log.addSensor(sensor(2));
         log.addSensor(sensor(2, 0x62));
-        QVERIFY(log.take(0, 0x61, frame(254)));
-        QVERIFY(log.take(0, 0x62, frame(7)));
-        QVERIFY(log.take(0, 0x61, frame(1)));
-        QVERIFY(log.take(1, 0x61, frame(2))); // of another bus
+        QVERIFY(log.take(0, 0x61, PanelBench::frame(254)));
+        QVERIFY(log.take(0, 0x62, PanelBench::frame(7)));
+        QVERIFY(log.take(0, 0x61, PanelBench::frame(1)));
+        QVERIFY(log.take(1, 0x61, PanelBench::frame(2))); // of another bus
         QCOMPARE(log.sensorCount(), 2);
         QCOMPARE(log.samples(), 3ULL);
         QCOMPARE(log.lost(), 2ULL);
@@ -149,7 +138,7 @@ private Q_SLOTS:
         log.removeSensor(sensor(2));
         QTest::qWait(2);
         log.addSensor(sensor(2));
-        QVERIFY(log.take(0, 0x61, frame(100)));
+        QVERIFY(log.take(0, 0x61, PanelBench::frame(100)));
         QCOMPARE(log.lost(), 2ULL);
         QCOMPARE(files(folder.path()).size(), 3);
     }
@@ -192,12 +181,12 @@ private Q_SLOTS:
             const QTemporaryDir folder;
             SampleLog log(format, folder.path());
             log.addSensor(sensor(2));
-            QVERIFY(log.take(0, 0x61, frame(1)));
+            QVERIFY(log.take(0, 0x61, PanelBench::frame(1)));
             const QStringList before = files(folder.path());
             const rlimit limit = {static_cast<rlim_t>(QFileInfo(log.lastFile()).size()) + 20, RLIM_INFINITY};
             const rlimit none = {RLIM_INFINITY, RLIM_INFINITY};
             setrlimit(RLIMIT_FSIZE, &limit);
-            const bool taken = log.take(0, 0x61, frame(2));
+            const bool taken = log.take(0, 0x61, PanelBench::frame(2));
             setrlimit(RLIMIT_FSIZE, &none);
             QVERIFY(!taken);
             QCOMPARE(log.error(), QStringLiteral("File too large"));

@@ -67,7 +67,6 @@ private Q_SLOTS:
         QTest::newRow("serial") << Kind::Serial;
         QTest::newRow("bridge") << Kind::Ch347;
     }
-
     void answersInOrder()
     {
         QFETCH(Kind, kind);
@@ -100,50 +99,42 @@ private Q_SLOTS:
             QVERIFY2(queue.log.contains(QString::fromLatin1(logged)), logged);
     }
 
-    void triesThreeTimes_data()
-    {
-        QTest::addColumn<QByteArray>("frame");
-        QTest::addColumn<int>("rspLen");
-        QTest::addColumn<int>("fault");
-        QTest::addColumn<int>("times");
-        QTest::addColumn<QByteArray>("rsp");
-        QTest::addColumn<QString>("log");
-        const auto unsound = QStringLiteral("chk err");
-        const auto given = QStringLiteral("cmdList:2");
-        QTest::newRow("too short") << kReadAddress << 11 << int(SimFault::WrongLength) << 2 << kAddressAnswer
-                                   << unsound;
-        QTest::newRow("to another command") << kReadAddress << 11 << int(SimFault::WrongEcho) << 2
-                                            << kAddressAnswer << QStringLiteral("try:1");
-        QTest::newRow("always spoilt")
-            << kReadAddress << 11 << int(SimFault::BadSum) << 3 << hex("55aa61f10000006100b302") << unsound;
-        QTest::newRow("glued, where the length is unknown")
-            << kReadAddress << 0xFFFF << int(SimFault::GluedFrame) << 3 << kAddressAnswer + kAddressAnswer
-            << given;
-        QTest::newRow("a request too short to be matched")
-            << hex("aa5561") << 6 << int(SimFault::Silence) << 3 << QByteArray() << given;
-    }
-
     void triesThreeTimes()
     {
-        QFETCH(QByteArray, frame);
-        QFETCH(int, rspLen);
-        QFETCH(int, fault);
-        QFETCH(int, times);
-        QFETCH(QByteArray, rsp);
-        QFETCH(QString, log);
-        Queue queue(Kind::Serial);
-        queue.sensor->faults().schedule(static_cast<SimFault>(fault), SimTarget::answersTo(0x71), times);
-        queue.request(frame, static_cast<uint16_t>(rspLen));
-        queue.request(kReadChannels, 11);
-        queue.steps(4);
-        QCOMPARE(queue.results.size(), 2);
-        const auto how = times < 3 ? QStringLiteral("ok") : QStringLiteral("failed");
-        QCOMPARE(queue.results.at(0),
-                 how + QStringLiteral(" 1/0x61 ") + QString::fromLatin1(frame.toHex() + " > " + rsp.toHex()));
-        QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok")));
-        QVERIFY(queue.log.contains(log));
-        QCOMPARE(queue.log.count(QStringLiteral("req 1:") + QString::fromLatin1(frame.toHex())), 1);
-        QCOMPARE(queue.log.count(QStringLiteral("try:0")), times < 3 ? 0 : 1);
+        struct Trial
+        {
+            QByteArray frame;
+            uint16_t rspLen;
+            SimFault fault;
+            int times;
+            QByteArray rsp;
+            const char *log;
+        };
+        // An answer that is too short, one to another command, one that is always spoilt, one twice where the
+        // length is unknown; a request too short to be matched.
+        const Trial trials[] = {
+            {kReadAddress, 11, SimFault::WrongLength, 2, kAddressAnswer, "chk err"},
+            {kReadAddress, 11, SimFault::WrongEcho, 2, kAddressAnswer, "try:1"},
+            {kReadAddress, 11, SimFault::BadSum, 3, hex("55aa61f10000006100b302"), "chk err"},
+            {kReadAddress, 0xFFFF, SimFault::GluedFrame, 3, kAddressAnswer + kAddressAnswer, "cmdList:2"},
+            {hex("aa5561"), 6, SimFault::Silence, 3, {}, "cmdList:2"}};
+        for (const Trial &trial : trials) {
+            Queue queue(Kind::Serial);
+            queue.sensor->faults().schedule(trial.fault, SimTarget::answersTo(0x71), trial.times);
+            queue.request(trial.frame, trial.rspLen);
+            queue.request(kReadChannels, 11);
+            queue.steps(4);
+            QCOMPARE(queue.results.size(), 2);
+            const bool failed = trial.times == 3;
+            const QString frame = QString::fromLatin1(trial.frame.toHex());
+            QCOMPARE(queue.results.at(0), QLatin1String(failed ? "failed" : "ok") +
+                                              QStringLiteral(" 1/0x61 ") + frame + QStringLiteral(" > ") +
+                                              QString::fromLatin1(trial.rsp.toHex()));
+            QVERIFY(queue.results.at(1).startsWith(QStringLiteral("ok")));
+            QVERIFY(queue.log.contains(QLatin1String(trial.log)));
+            QCOMPARE(queue.log.count(QStringLiteral("req 1:") + frame), 1);
+            QCOMPARE(queue.log.count(QStringLiteral("try:0")), failed ? 1 : 0);
+        }
     }
 
     void retriesOnTheBusesThatFollow()

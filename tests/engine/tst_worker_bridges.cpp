@@ -96,21 +96,6 @@ private Q_SLOTS:
         QVERIFY(rig.waitFor("found 0/0x61"));
     }
 
-    void carriesOutCommands_data() { LinkBench::addRows(true); }
-    void carriesOutCommands()
-    {
-        Rig rig;
-        const auto sensor = rig.plug(0x61, Rig::kBoard2);
-        QVERIFY(rig.connect());
-        QVERIFY(rig.waitFor("found 1/0x61"));
-        sensor->faults().setLateBy(45ms);
-        sensor->faults().schedule(SimFault::Late, SimTarget::answersTo(0x71));
-        rig.harness.request(1, 0x61, hex("aa5561710000000000d101"), 11);
-        QTRY_COMPARE(rig.harness.responses.size(), 1);
-        QVERIFY(rig.harness.responses.at(0).good);
-        QCOMPARE(rig.harness.responses.at(0).rsp.toHex(), QByteArrayLiteral("55aa61f10000006100b202"));
-    }
-
     void bearsFailuresUntilItIsStopped_data() { LinkBench::addRows(true); }
     void bearsFailuresUntilItIsStopped()
     {

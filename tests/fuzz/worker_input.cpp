@@ -1,5 +1,4 @@
-// The first byte chooses the link. Then each step of the worker takes a byte, and what comes from the wire meanwhile
-// follows it.
+// The first byte chooses the link, one more each step; what comes from the wire follows it.
 
 #include "engine/CommandQueue.h"
 #include "engine/Discovery.h"

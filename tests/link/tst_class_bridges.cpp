@@ -1,5 +1,4 @@
-// class_ch341 and class_ch347 against a recording stand-in for the bridge libraries, loaded like those: every
-// byte and call that reaches a bridge.
+// Every byte and call of both links that reaches a vendor library, loaded like one.
 
 #include "link/class_ch341.h"
 #include "link/class_ch347.h"

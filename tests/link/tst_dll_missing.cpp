@@ -1,5 +1,4 @@
-// The operations without the CH341 library, and with a CH347 library that lacks one of them: no devices, one
-// line each.
+// Without the CH341 library, and with a CH347 library that lacks an operation: no devices, one line each.
 
 #include "link/providers/ch341dll.h"
 #include "link/providers/ch347dll.h"

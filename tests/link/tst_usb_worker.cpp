@@ -1,5 +1,4 @@
-// The whole road without hardware: worker, link, libusb, an emulated chip, a simulated bus with multiplexer
-// and sensors.
+// The whole road: worker, link, libusb, an emulated chip, a simulated bus with multiplexer and sensors.
 
 #include "sim/SimI2cBus.h"
 #include "sim/SimSensor.h"

@@ -1,5 +1,4 @@
-// Every command of a panel from the control to the wire and from the answer to the control, with sensors that
-// obey, refuse, stay silent and talk nonsense.
+// Commands of a panel from the control to the wire and from the answer to the control.
 
 #include "tests/monitor/monitor_bench.h"
 

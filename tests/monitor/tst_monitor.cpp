@@ -195,13 +195,6 @@ private Q_SLOTS:
             area.remove(0x61, 111);
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         };
-        boxes.whileOpen = goes;
-        expectBox();
-        area.add(0x61, 111);
-        QCOMPARE(area.windows(), QStringList{QStringLiteral("0-0x62")});
-
-        // The same when its panel is opened again.
-        boxes.whileOpen = nullptr;
         expectBox();
         area.add(0x61, 111);
         area.closeLast();

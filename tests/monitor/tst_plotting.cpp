@@ -1,5 +1,4 @@
-// The way to a plotting tool: records byte by byte, peers that refuse, vanish, stall and talk, and a tool in
-// another language that reads both formats while the same samples are recorded.
+// The way to a plotting tool: records, peers that refuse, vanish and stall, a reader in another language.
 
 #include "tests/monitor/monitor_bench.h"
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "panel/fingerForm.h"
+#include "protocol/frames.h"
 
 #include <QAbstractButton>
 #include <QLineEdit>
@@ -46,22 +47,22 @@ struct PanelBench
         panel->sl_cmdRsp(0, 0x61, QByteArray::fromHex("aa5503" + request + "00000000"),
                          sealed(QByteArray::fromHex("55aa03" + response)));
     }
-    void sample(int counter, int bytes = 62)
+    /// A sample of kFinger, cut to so many bytes.
+    static QVector<uint8_t> frame(int counter, int bytes = 62)
     {
-        QByteArray frame = QByteArray::fromHex("55aa0385");
-        frame += static_cast<char>(counter);
+        QByteArray whole = QByteArray::fromHex("55aa0385") + static_cast<char>(counter);
         // Channels 3, 2, -3, 0, 1, 1000001, 6, 7; 1.25 N, 0.5 N, 90 degrees; proximity 7.
-        frame += QByteArray::fromHex("000300000002000000fdffffff000000000100000041420f000600000007000000"
+        whole += QByteArray::fromHex("000300000002000000fdffffff000000000100000041420f000600000007000000"
                                      "0000a03f000000000000003f000000005a0007000000");
-        const QByteArray pack = sealed(frame).left(bytes);
-        panel->sl_updateData(0, 0x61, QVector<uint8_t>(pack.begin(), pack.end()));
+        const QByteArray pack = sealed(whole).left(bytes);
+        return {pack.begin(), pack.end()};
     }
+    void sample(int counter, int bytes = 62) const { panel->sl_updateData(0, 0x61, frame(counter, bytes)); }
     static QByteArray sealed(QByteArray frame)
     {
-        unsigned int sum = 0;
-        for (const char byte : frame)
-            sum += static_cast<uint8_t>(byte);
-        return frame + static_cast<char>(sum & 0xFFU) + static_cast<char>(sum >> 8U & 0xFFU);
+        frame.append(2, '\0');
+        sealFrame(frame);
+        return frame;
     }
 
     template<typename Widget>

@@ -1,5 +1,4 @@
-// A panel without a worker: attach and reset, the way of a sample to the screen and to a file, what every
-// kind of answer does, and what controls send beyond the plain commands.
+// A panel without a worker: attach and reset, samples, answers, and what controls send.
 
 #include "tests/panel/panel_bench.h"
 

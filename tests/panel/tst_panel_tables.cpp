@@ -1,5 +1,4 @@
-// The tables of a panel: the parameters of the channels, with all the columns that a user may be given, and
-// the page of calibration as it works when somebody puts it back.
+// The tables of a panel, with all the columns that a user may be given.
 
 #include "tests/panel/panel_bench.h"
 

@@ -1,5 +1,4 @@
-// What comes to the plotter, good and bad: streams in pieces of any size, files of either kind, and what of
-// them is kept and drawn.
+// What comes to the plotter: streams in pieces of any size, files of either kind, what is kept and drawn.
 
 #include "plotting/SampleStore.h"
 #include "plotting/StreamReader.h"

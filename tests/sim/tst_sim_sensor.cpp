@@ -1,3 +1,4 @@
+#include "protocol/frames.h"
 #include "sim/SimSensor.h"
 #include "tests/support/test_bytes.h"
 
@@ -10,11 +11,8 @@ namespace {
 /// The request with its sum behind it.
 QByteArray request(const char *text)
 {
-    QByteArray frame = hex(text);
-    unsigned int sum = 0;
-    for (const char byte : frame)
-        sum += static_cast<uint8_t>(byte);
-    frame.append(static_cast<char>(sum)).append(static_cast<char>(sum >> 8));
+    QByteArray frame = hex(text) + QByteArray(2, '\0');
+    sealFrame(frame);
     return frame;
 }
 

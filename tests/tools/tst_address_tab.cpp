@@ -1,5 +1,4 @@
-// The address tab against the bench on every link: what goes over the wire, and the states and texts that the
-// user sees meanwhile.
+// The address tab against the bench on every link.
 
 #include "tests/support/LinkBench.h"
 #include "tests/support/log_capture.h"

@@ -1,5 +1,4 @@
-// The firmware page as its user meets it: what the boxes hold, what is sent for a choice, what the result
-// line says.
+// The firmware page as its user meets it.
 
 #include "app/class_settings.h"
 #include "tests/support/log_capture.h"
@@ -40,7 +39,7 @@ class tst_update_tab : public QObject
 private Q_SLOTS:
     void init()
     {
-        m_log = std::make_unique<LogCapture>();
+        m_log.emplace();
         class_settings::set(QStringLiteral("UPDATE/FILE_PATH"), QString());
     }
     void cleanup() { m_log.reset(); }
@@ -301,7 +300,7 @@ private Q_SLOTS:
     }
 
 private:
-    std::unique_ptr<LogCapture> m_log;
+    std::optional<LogCapture> m_log;
 };
 
 QTEST_MAIN(tst_update_tab)

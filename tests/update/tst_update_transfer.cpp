@@ -1,6 +1,4 @@
-// Whole updates from the tab into the bench's boot loader over every road a sensor can be reached by, left
-// alone, held up and broken off: what the tab says, in which state it leaves the link, and that the next try
-// succeeds.
+// Whole updates over every link, left alone, held up and broken off, and that the next try succeeds.
 
 #include "tests/support/log_capture.h"
 #include "tests/update/UpdateBench.h"
@@ -11,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <tuple>
 
 namespace {
@@ -25,7 +24,7 @@ class tst_update_transfer : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_log = std::make_unique<LogCapture>(); }
+    void init() { m_log.emplace(); }
     void cleanup() { m_log.reset(); }
     void everyLink()
     {
@@ -227,7 +226,7 @@ private:
         QCOMPARE(tab.result->text(), QStringLiteral("开始更新"));
     }
 
-    std::unique_ptr<LogCapture> m_log;
+    std::optional<LogCapture> m_log;
 };
 
 QTEST_MAIN(tst_update_transfer)

@@ -162,22 +162,6 @@ private Q_SLOTS:
         QCOMPARE(form.findChildren<class_ydds *>().size(), 34); // the old tiles stay below
     }
 
-    void cellTellsItsButtons()
-    {
-        dataForm cell(200, QStringLiteral("通道3"), 0);
-        QSignalSpy resets(&cell, &dataForm::si_reset);
-        QSignalSpy enables(&cell, &dataForm::si_en);
-        cell.findChild<QPushButton *>(QStringLiteral("pbtnReset"))->click();
-        auto *box = cell.findChild<QCheckBox *>(QStringLiteral("chkpbEnable"));
-        box->click();
-        box->click();
-        QCOMPARE(resets.count(), 1);
-        QCOMPARE(resets.at(0).at(0).toInt(), 200);
-        QCOMPARE(enables.count(), 2);
-        QCOMPARE(enables.at(0).at(1).toBool(), true);
-        QCOMPARE(enables.at(1).at(1).toBool(), false);
-    }
-
     void cellKeepsItsSizeOfText()
     {
         const QFont before = QApplication::font();

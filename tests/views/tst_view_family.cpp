@@ -340,16 +340,6 @@ private Q_SLOTS:
         const fingerForm_null view(layout);
         QVERIFY(view.findChild<QProgressBar *>(QStringLiteral("pbSProx_1")) != nullptr);
     }
-
-    void parentThatDiesDuringABox()
-    {
-        BoxAnswer boxes;
-        boxes.expect(QStringLiteral("传感器类型错误"), QStringLiteral("未识别传感器类型111"));
-        auto *panel = new QWidget;
-        boxes.whileOpen = [panel] { delete panel; };
-        QVERIFY(makeView(111, panel) == nullptr);
-        QVERIFY2(boxes.satisfied(), qPrintable(boxes.report()));
-    }
 };
 
 QTEST_MAIN(TestViewFamily)
