@@ -56,8 +56,8 @@ void WorkerHarness::keep(fingerThread *worker)
         rates.append({hz, rHz});
     });
     const auto keepResponse = [this](bool good) {
-        return [this, good](uint8_t infIdx, uint8_t addr, const QByteArray &req, const QByteArray &rsp) {
-            responses.append({good, infIdx, addr, req, rsp});
+        return [this, good](uint8_t, uint8_t, const QByteArray &, const QByteArray &rsp) {
+            responses.append({good, rsp});
         };
     };
     connect(worker, &fingerThread::si_cmdRsp1, this, keepResponse(true));

@@ -30,9 +30,6 @@ public:
     struct Response
     {
         bool good;
-        uint8_t infIdx;
-        uint8_t addr;
-        QByteArray req;
         QByteArray rsp;
     };
 

@@ -1,6 +1,5 @@
 #include "link/class_ch341.h"
 #include "link/class_ch347.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 #include "tests/link/fake_vendor.h"
 

@@ -1,6 +1,5 @@
 #include "protocol/frames.h"
 #include "protocol/sample.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <algorithm>

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 
 /// What the fuzzers do with one input; ends the process when something that must hold does not. All need a
 /// VirtualTime dispatcher and a QApplication without a display.
@@ -35,3 +37,12 @@ void fuzzRecording(const uint8_t *input, std::size_t size);
 
 /// Reads the input as a stream of samples: the first byte chooses the format and the sizes of the pieces.
 void fuzzStream(const uint8_t *input, std::size_t size);
+
+/// Ends the process when the condition does not hold, so that a fuzzer keeps the input.
+inline void fuzzCheck(bool condition, const char *what)
+{
+    if (condition)
+        return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}

@@ -1,4 +1,3 @@
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 #include "update/firmware_image.h"
 #include "update/hex2bin.h"

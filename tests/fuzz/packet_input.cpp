@@ -1,6 +1,5 @@
 #include "link/providers/libusb/ch341_stream.h"
 #include "link/providers/libusb/ch347_stream.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <numeric>

@@ -4,7 +4,6 @@
 #include "protocol/finger_info.h"
 #include "protocol/frames.h"
 #include "tests/fuzz/FuzzBytes.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <QApplication>

@@ -1,6 +1,5 @@
 #include "plotting/curve_points.h"
 #include "plotting/recording_file.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <QBuffer>

@@ -1,6 +1,5 @@
 #include "app/class_settings.h"
 #include "tests/fuzz/FuzzBytes.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <QDir>

@@ -1,5 +1,4 @@
 #include "plotting/StreamReader.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 
 #include <cmath>

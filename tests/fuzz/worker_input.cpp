@@ -7,7 +7,6 @@
 #include "protocol/frames.h"
 #include "sim/SimPty.h"
 #include "tests/fuzz/FuzzBytes.h"
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 #include "tests/link/fake_vendor.h"
 

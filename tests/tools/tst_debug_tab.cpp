@@ -35,6 +35,11 @@ struct DebugTab
 
     // The fading of this button would outlive the form.
     DebugTab() { typed->setClearButtonEnabled(false); }
+    explicit DebugTab(const LinkBench &bench, int speedRow = 0)
+        : DebugTab()
+    {
+        open(bench, speedRow);
+    }
 
     void press(const char *button) { child<QPushButton>(form, button)->click(); }
     void choose(Kind kind) { child<QRadioButton>(form, kRadioButtons[static_cast<int>(kind)])->click(); }
@@ -238,8 +243,7 @@ private Q_SLOTS:
         for (const auto &[kind, row, kHz] : clocks) {
             LinkBench bench(kind);
             bench.plugSensor(0x6F);
-            DebugTab tab;
-            tab.open(bench, row);
+            DebugTab tab(bench, row);
             tab.typed->setText(QString(2 * 1000, QLatin1Char('0')));
             const auto before = bench.bus->busTime();
             tab.press("pbtnCh341Write");
@@ -255,8 +259,7 @@ private Q_SLOTS:
         QFETCH(Kind, kind);
         LinkBench bench(kind);
         const LogCapture log;
-        DebugTab tab;
-        tab.open(bench);
+        DebugTab tab(bench);
         QCOMPARE(bench.writesTo(0x70), QStringList{QStringLiteral("00")});
         QCOMPARE(log.contains(QStringLiteral("ch347 connect")), kind == Kind::Ch347);
         tab.box("chkbInf%1", 4)->setChecked(true);
@@ -289,8 +292,7 @@ private Q_SLOTS:
         for (const auto &disturb : disturbances) {
             LinkBench bench(Kind::Ch341);
             bench.plugSensor(0x6F);
-            DebugTab tab;
-            tab.open(bench);
+            DebugTab tab(bench);
             tab.length->setValue(11);
             tab.delay->setValue(1000);
             QTimer::singleShot(20, &tab.form, [&] { disturb(tab, bench); });
@@ -305,8 +307,7 @@ private Q_SLOTS:
     {
         const QString connect = QStringLiteral("连接");
         LinkBench bench(Kind::Ch341);
-        DebugTab tab;
-        tab.open(bench, 2);
+        DebugTab tab(bench, 2);
         tab.choose(Kind::Ch341);
         QCOMPARE(tab.speed->currentIndex(), 2);
         QCOMPARE(tab.connection->text(), QStringLiteral("断开"));
@@ -328,8 +329,7 @@ private Q_SLOTS:
     void keysPressTheButtons()
     {
         const LinkBench bench(Kind::Serial);
-        DebugTab tab;
-        tab.open(bench);
+        DebugTab tab(bench);
         tab.form.show();
         QVERIFY(QTest::qWaitForWindowActive(&tab.form));
         QTest::keyClick(&tab.form, Qt::Key_Return, Qt::ControlModifier);

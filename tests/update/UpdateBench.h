@@ -32,6 +32,14 @@ struct UpdateBench : LinkBench
 /// The tab with its widgets by name, as a user has them before him.
 struct UpdateTab
 {
+    UpdateTab() = default;
+    /// Enters at once.
+    explicit UpdateTab(const UpdateBench &bench)
+    {
+        if (!enter(bench))
+            qFatal("%s is not listed", qPrintable(bench.id()));
+    }
+
     /// Enters the tab, chooses the link and waits for its device; board 1 or 460800 baud.
     bool enter(const UpdateBench &bench);
     /// Chooses a file of that content. A user who chooses the first entry has it masked.

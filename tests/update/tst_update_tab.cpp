@@ -213,8 +213,7 @@ private Q_SLOTS:
     void speedOneLowerWhenChangedWhileOpen()
     {
         UpdateBench bench(Kind::Ch341);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.reset->setCurrentIndex(2);
         tab.chooseFile(testBytes(5000));
         const auto runsAt = [&](int khz) {
@@ -242,8 +241,7 @@ private Q_SLOTS:
     void doubleClickStartsAndGoesOn()
     {
         UpdateBench bench(Kind::Ch341);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.chooseFile(testBytes(5000));
         QTest::mouseClick(tab.start, Qt::LeftButton);
         QTest::mouseDClick(tab.start, Qt::LeftButton);
@@ -256,8 +254,7 @@ private Q_SLOTS:
     void resetCommands()
     {
         UpdateBench bench(Kind::Ch347);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.path->clear(); // so that nothing but the reset goes out
         QStringList sent;
         const auto check = [&](int choice, const char *text, const char *expected) {
@@ -279,8 +276,7 @@ private Q_SLOTS:
     void shortResetOnTheSerialLineStaysAsTyped()
     {
         UpdateBench bench(Kind::Serial);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.reset->setCurrentIndex(1);
         tab.path->clear();
         tab.resetText->setText(QStringLiteral("AA5500A1000000000000"));

@@ -50,8 +50,7 @@ private Q_SLOTS:
     void resetOnTheSerialLine()
     {
         const UpdateBench bench(Kind::Serial);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.resetAddress->setValue(0x61);
         SimSettings settings = bench.sensor->settings();
         settings.address = 0x61;
@@ -79,8 +78,7 @@ private Q_SLOTS:
         UpdateBench bench(Kind::Ch341);
         bench.bus->unplug(bench.sensor);
         bench.bus->plug(bench.sensor);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.board->setCurrentIndex(0);
         tab.chooseFile(":0500000000000000FFFC\n:00000001FF\n", QStringLiteral("APP.HEX"), true);
         QVERIFY(tab.runToEnd());
@@ -98,8 +96,7 @@ private Q_SLOTS:
         for (const auto &[kind, act, frame, result] : ends) {
             UpdateBench bench(kind);
             bench.loader().schedule(act, frame);
-            UpdateTab tab;
-            QVERIFY(tab.enter(bench));
+            UpdateTab tab(bench);
             tab.chooseFile(testBytes(1300));
             QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
             QVERIFY(tab.runToEnd());
@@ -112,8 +109,7 @@ private Q_SLOTS:
     void cableIsPulled()
     {
         UpdateBench bench(Kind::Ch341);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         tab.chooseFile(testBytes(1300));
         bench.bridge->pullOutAfter(1000);
         QVERIFY(tab.runToEnd());
@@ -125,8 +121,7 @@ private Q_SLOTS:
     void portGoesAway()
     {
         UpdateBench bench(Kind::Serial);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         startAndWaitForTheMiddle(tab);
         bench.pull();
         QTRY_COMPARE_WITH_TIMEOUT(tab.result->text(), kTimeout, 20000);
@@ -160,8 +155,7 @@ private Q_SLOTS:
         for (const auto &[kind, act, result] : breaks) {
             m_log->clear();
             UpdateBench bench(kind);
-            UpdateTab tab;
-            QVERIFY(tab.enter(bench));
+            UpdateTab tab(bench);
             QSignalSpy failures(&tab.form, &fwUpdateForm::si_updateFail);
             startAndWaitForTheMiddle(tab);
             act(tab);
@@ -178,8 +172,7 @@ private Q_SLOTS:
     void startedAgainRightAfterACancel()
     {
         UpdateBench bench(Kind::Ch341);
-        UpdateTab tab;
-        QVERIFY(tab.enter(bench));
+        UpdateTab tab(bench);
         startAndWaitForTheMiddle(tab);
         tab.start->click();
         tab.chooseFile(testBytes(1300));
@@ -191,8 +184,7 @@ private Q_SLOTS:
     void formDiesInTheMiddle()
     {
         UpdateBench bench(Kind::Ch347);
-        auto tab = std::make_unique<UpdateTab>();
-        QVERIFY(tab->enter(bench));
+        auto tab = std::make_unique<UpdateTab>(bench);
         startAndWaitForTheMiddle(*tab);
         tab.reset();
         QVERIFY(m_log->contains(QStringLiteral("ymodem delete")));
