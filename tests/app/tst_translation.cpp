@@ -1,9 +1,8 @@
 // The English table against the whole tool: nothing on the screen that it should have translated.
 
 #include "app/Widget.h"
-#include "engine/sensor_ts.h"
-#include "panel/fingerForm.h"
 #include "protocol/finger_info.h"
+#include "tests/panel/panel_bench.h"
 #include "views/class_finger.h"
 #include "views/models/view_factory.h"
 
@@ -99,13 +98,8 @@ std::shared_ptr<QWidget> allViews()
 /// A panel to which a sensor of the model has been attached.
 std::shared_ptr<QWidget> attachedPanel(int programId)
 {
-    auto panel = std::make_shared<fingerForm>(uint8_t{0}, uint8_t{0x61});
-    sensor_ts sensor;
-    sensor.infIdx = 0;
-    sensor.addr = 0x61;
-    sensor.prg = static_cast<uint8_t>(programId);
-    panel->sl_connectedFinger(0, 0x61, sensor);
-    return panel;
+    const auto bench = std::make_shared<PanelBench>(static_cast<uint8_t>(programId));
+    return {bench, bench->panel};
 }
 
 /// What the English tool has to show for a Chinese text: the row of the class itself before that of QObject.

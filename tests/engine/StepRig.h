@@ -55,6 +55,13 @@ public:
         return all;
     }
 
+    static void addKinds()
+    {
+        QTest::addColumn<SensorLink::Kind>("kind");
+        QTest::newRow("serial") << SensorLink::Kind::Serial;
+        QTest::newRow("bridge") << SensorLink::Kind::Ch347;
+    }
+
     LogCapture log;
     std::shared_ptr<SimSensor> sensor;
     std::shared_ptr<SimI2cBus> i2c = std::make_shared<SimI2cBus>();

@@ -61,12 +61,7 @@ class tst_command_queue : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void answersInOrder_data()
-    {
-        QTest::addColumn<Kind>("kind");
-        QTest::newRow("serial") << Kind::Serial;
-        QTest::newRow("bridge") << Kind::Ch347;
-    }
+    void answersInOrder_data() { StepRig::addKinds(); }
     void answersInOrder()
     {
         QFETCH(Kind, kind);

@@ -4,8 +4,6 @@
 #include <QtTest>
 
 using Kind = SensorLink::Kind;
-using Preparation = std::function<void(SimSensor &)>;
-Q_DECLARE_METATYPE(Preparation)
 
 namespace {
 
@@ -41,30 +39,22 @@ class tst_discovery : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksInOrder_data()
-    {
-        QTest::addColumn<Kind>("kind");
-        QTest::addColumn<QString>("asked");
-        QTest::addColumn<int>("sleptMs");
-        // The serial number has no length, so the serial line waits all its passes for it.
-        QTest::newRow("serial") << Kind::Serial
-                                << QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000300d601 "
-                                                  "aa5561a400000000000402 aa5561a600000000000602")
-                                << 150 + 50;
-        QTest::newRow("bridge") << Kind::Ch347
-                                << QStringLiteral("aa55037f00000000008101 aa55037300000003007801 "
-                                                  "aa5503a40000000000a601 aa5503a60000000000a801")
-                                << 150 + 40;
-    }
-
+    void asksInOrder_data() { StepRig::addKinds(); }
     void asksInOrder()
     {
         QFETCH(Kind, kind);
-        QFETCH(int, sleptMs);
+        const bool isSerial = kind == Kind::Serial;
+        // The serial number has no length, so the serial line waits all its passes for it.
+        const int sleptMs = 150 + (isSerial ? 50 : 40);
+        const QString asked = isSerial
+                                  ? QStringLiteral("619e aa55617f0000000000df01 619e aa5561730000000300d601 "
+                                                   "aa5561a400000000000402 aa5561a600000000000602")
+                                  : QStringLiteral("aa55037f00000000008101 aa55037300000003007801 "
+                                                   "aa5503a40000000000a601 aa5503a60000000000a801");
         Sweep sweep(kind);
         sweep.sensor->setFrameType(uint8_t(0x09));
         QCOMPARE(sweep.step(), Outcome::Done);
-        QTEST(sweep.sent().join(QLatin1Char(' ')), "asked");
+        QCOMPARE(sweep.sent().join(QLatin1Char(' ')), asked);
         QVERIFY2(sweep.now.count() >= sleptMs && sweep.now.count() < sleptMs + 40,
                  qPrintable(QString::number(sweep.now.count())));
 
@@ -81,57 +71,49 @@ private Q_SLOTS:
         QVERIFY(sweep.log.contains(QStringLiteral("set offset:3")));
     }
 
-    void findsOrLeavesOut_data()
+    void findsOrLeavesOut()
     {
-        QTest::addColumn<Preparation>("prepare");
-        QTest::addColumn<QString>("found"); // number of the model and serial number
-        QTest::addColumn<QString>("log");
-        const auto deaf = [](uint8_t command) -> Preparation {
+        struct Trial
+        {
+            std::function<void(SimSensor &)> prepare;
+            const char *found; ///< number of the model and serial number
+            const char *log;
+        };
+        const auto deaf = [](uint8_t command) {
             return [command](SimSensor &sensor) { sensor.setUnknown(command); };
         };
-        const auto faulty = [](SimFault fault, const SimTarget &target, int count) -> Preparation {
+        const auto faulty = [](SimFault fault, const SimTarget &target, int count) {
             return [=](SimSensor &sensor) { sensor.faults().schedule(fault, target, count); };
         };
-        const auto unpolled = [](SimSensor::FirstLook look) -> Preparation {
+        const auto unpolled = [](SimSensor::FirstLook look) {
             return [look](SimSensor &sensor) { sensor.setFirstLook(0xF2, look); };
         };
-        QTest::newRow("no id") << deaf(0xA6) << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
-        QTest::newRow("no serial number")
-            << deaf(0xA4) << QStringLiteral("31 KV-000000000") << QStringLiteral("set send type err");
-        QTest::newRow("no offset") << deaf(0x73) << QStringLiteral("31 SN-7")
-                                   << QStringLiteral("set offset err");
-        QTest::newRow("short id") << faulty(SimFault::WrongLength, SimTarget::answersTo(0xA6), 1)
-                                  << QStringLiteral("255 SN-7") << QStringLiteral("set addr err");
-        QTest::newRow("serial number with a zero in it") << Preparation([](SimSensor &sensor) {
+        const auto zeroInSerial = [](SimSensor &sensor) {
             SimSettings settings = sensor.settings();
             settings.serialNumber = QByteArray("SN-8\0x", 6);
             sensor.setSettings(settings);
-        }) << QStringLiteral("31 SN-8") << QStringLiteral("SN-8");
-        QTest::newRow("sends by itself at first")
-            << unpolled(SimSensor::FirstLook::UntilSendType) << QStringLiteral("31 SN-7")
-            << QStringLiteral("pack len2:27");
-        QTest::newRow("goes on sending by itself")
-            << unpolled(SimSensor::FirstLook::Always) << QString() << QStringLiteral("chk err");
-        QTest::newRow("wrong echo") << faulty(SimFault::WrongEcho, SimTarget::answersTo(0x7F), 1) << QString()
-                                    << QStringLiteral("setSensorSendType err");
-        QTest::newRow("spoilt frames")
-            << faulty(SimFault::BadSum, SimTarget::samples(), 2) << QString() << QStringLiteral("chk err");
-    }
-
-    void findsOrLeavesOut()
-    {
-        QFETCH(Preparation, prepare);
-        QFETCH(QString, found);
-        QFETCH(QString, log);
-        Sweep sweep(Kind::Serial);
-        prepare(*sweep.sensor);
-        sweep.step();
-        QCOMPARE(sweep.log.count(log), 1);
-        QString seen;
-        for (const sensor_ts &record : qAsConst(sweep.found))
-            seen += QString::number(record.prg) + QLatin1Char(' ') + record.sn;
-        QCOMPARE(seen, found);
-        QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+        };
+        const Trial trials[] = {
+            {deaf(0xA6), "255 SN-7", "set addr err"},
+            {deaf(0xA4), "31 KV-000000000", "set send type err"},
+            {deaf(0x73), "31 SN-7", "set offset err"},
+            {faulty(SimFault::WrongLength, SimTarget::answersTo(0xA6), 1), "255 SN-7", "set addr err"},
+            {zeroInSerial, "31 SN-8", "SN-8"},
+            {unpolled(SimSensor::FirstLook::UntilSendType), "31 SN-7", "pack len2:27"},
+            {unpolled(SimSensor::FirstLook::Always), "", "chk err"},
+            {faulty(SimFault::WrongEcho, SimTarget::answersTo(0x7F), 1), "", "setSensorSendType err"},
+            {faulty(SimFault::BadSum, SimTarget::samples(), 2), "", "chk err"}};
+        for (const Trial &trial : trials) {
+            Sweep sweep(Kind::Serial);
+            trial.prepare(*sweep.sensor);
+            sweep.step();
+            QCOMPARE(sweep.log.count(QLatin1String(trial.log)), 1);
+            QString seen;
+            for (const sensor_ts &record : qAsConst(sweep.found))
+                seen += QString::number(record.prg) + QLatin1Char(' ') + record.sn;
+            QCOMPARE(seen, QLatin1String(trial.found));
+            QCOMPARE(int(sweep.entries[kEntry].scanAddr), 0x61);
+        }
     }
 
     void stepsOverAddressesInUse()

@@ -49,27 +49,6 @@ private Q_SLOTS:
         }
     }
 
-    void holdsOneSensorWithoutMultiplexer_data() { LinkBench::addRows(true); }
-    void holdsOneSensorWithoutMultiplexer()
-    {
-        Rig rig(Multiplexer::Absent);
-        const auto first = rig.plug(0x61, SimI2cBus::kTrunk);
-        rig.plug(0x62, SimI2cBus::kTrunk);
-        QVERIFY(rig.connect());
-        QTRY_VERIFY(rig.harness.samples.size() > 100);
-        QCOMPARE(rig.harness.found.size(), 1);
-        QCOMPARE(int(rig.harness.found.at(0).addr), 0x61);
-        QVERIFY(rig.harness.log.contains(QStringLiteral("not find pca")));
-        // The probe's write and read, and nothing after it.
-        const auto refused = rig.journal().records(SimRecord::Kind::Refused);
-        QCOMPARE(std::count_if(refused.begin(), refused.end(),
-                               [](const SimRecord &r) { return r.address == 0x70; }),
-                 2);
-        rig.bus->unplug(first);
-        QTRY_COMPARE_WITH_TIMEOUT(rig.harness.found.size(), 2, 20000);
-        QCOMPARE(int(rig.harness.found.at(1).addr), 0x62);
-    }
-
     void tellsEqualAddressesApart_data() { LinkBench::addRows(true); }
     void tellsEqualAddressesApart()
     {

@@ -334,14 +334,6 @@ private Q_SLOTS:
         QCOMPARE(vendor().takeCalls(), QLatin1String("speed 0 6|stretch 0 1|stretch 0 0|driver 0 1"));
     }
 
-    void ch341ResetPin()
-    {
-        OpenLink<class_ch341> link;
-        vendor().pins = 0x0000F5A5;
-        link.setInt(0);
-        QCOMPARE(vendor().takeCalls(), QLatin1String("getInput 0|setOutput 0 3 ff00 f1a5"));
-    }
-
     void ch347Pins()
     {
         OpenLink<class_ch347> link;

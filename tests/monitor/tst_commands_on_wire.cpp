@@ -186,8 +186,6 @@ const QVector<Row> kRows = {
      "aa55615c0000000000bc01",
      kept([](Kept s) { return s.proximityClearDelayMs == 1500; }) &&
          has("chkbtnProxClearTouch", "checked", true)},
-    {"temperature", set("lbTemp", QString(), "text") + click("pbtnGetTemp"), "aa5561740000000000d401",
-     [](World &w) { return !w.of<QLabel>("lbTemp")->text().isEmpty(); }},
     {"temperature calibrated", set("dspbTempCali", 1.5) + click("pbtnTempCali"), "aa5561750000c03f00d402",
      kept([](Kept s) { return s.temperatureCalibration == 1.5F; })},
     {"pressure threshold", set("dspbTouchThreshold", 0.29) + click("pbtnTouchThreshold"),

@@ -68,18 +68,17 @@ private Q_SLOTS:
 
     void comparesWithTheRecording_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<int>("prg");
-        QTest::newRow("text, no status") << "FireWater" << 2;
-        QTest::newRow("floats, status") << "JustFloat" << 31;
+        QTest::addColumn<uint8_t>("prg");
+        QTest::newRow("FireWater") << uint8_t{2}; // without status
+        QTest::newRow("JustFloat") << uint8_t{31};
     }
     void comparesWithTheRecording()
     {
         QVERIFY2(!QStandardPaths::findExecutable(QStringLiteral("python3")).isEmpty(), "install python3");
-        QFETCH(QString, format);
-        QFETCH(int, prg);
+        QFETCH(uint8_t, prg);
+        const QString format = QString::fromLatin1(QTest::currentDataTag());
         MonitorBench bench;
-        const auto sensor = bench.plug(static_cast<uint8_t>(prg), 0x61);
+        const auto sensor = bench.plug(prg, 0x61);
         sensor->setMotion([](double seconds, const finger_info_ts &, SimValues &values) {
             values.channels.at(0) = static_cast<uint32_t>(seconds * 1000);
         });

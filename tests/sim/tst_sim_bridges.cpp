@@ -53,28 +53,6 @@ private Q_SLOTS:
 
     void cleanup() { m_usb.reset(); }
 
-    void longReadInChunks()
-    {
-        const auto sensor = quietSensor(0x2B, 0x10);
-        m_bus->plug(sensor);
-        QByteArray frame = read341(hex("AA7481214F4FDE00"));
-        QCOMPARE(frame.size(), 30);
-        for (int chunk = 0; chunk < 5; ++chunk)
-            frame += read341(hex("AADE00"));
-        frame += read341(hex("AAC8C07500"));
-        QCOMPARE(frame.toHex(), sensor->sampleFrame().toHex());
-        QCOMPARE(m_bus->journal().count(SimRecord::Kind::Read, frame), 1);
-        QCOMPARE(m_ch341->malformedPackets(), 0);
-    }
-
-    void absentTarget()
-    {
-        QCOMPARE(read341(hex("AA748121C1C07500")).toHex(), QByteArrayLiteral("ffff"));
-        QCOMPARE(read341(hex("AA7480207500")).toHex(), QByteArrayLiteral("ef"));
-        QCOMPARE(read341(hex("AA7480E07500")).toHex(), QByteArrayLiteral("6f"));
-        QCOMPARE(m_bus->journal().count(SimRecord::Kind::Refused), 2);
-    }
-
     void multiplexerSelects()
     {
         const auto first = quietSensor(0x1F, 0x10);

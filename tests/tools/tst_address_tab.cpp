@@ -166,26 +166,6 @@ private Q_SLOTS:
         QCOMPARE(tab.state->text(), kConnected);
     }
 
-    void twoLateSensorsBothObey_data() { LinkBench::addRows(); }
-    void twoLateSensorsBothObey()
-    {
-        QFETCH(Kind, kind);
-        LinkBench bench(kind);
-        const auto first = bench.plugSensor(0x05, LinkBench::kBoard1);
-        const auto second = bench.plugSensor(0x0D, LinkBench::kBoard1);
-        for (const auto &sensor : {first, second})
-            sensor->setAnswerDelay(30ms);
-        AddressTab tab(bench);
-        tab.target->setValue(0x22);
-        tab.set->click();
-        QTRY_COMPARE(first->address(), uint8_t{0x22});
-        QTRY_COMPARE(second->address(), uint8_t{0x22});
-        // What two say at once on a serial line is rubbish; one of them alone is read again.
-        bench.unplug(second);
-        QTRY_COMPARE(tab.current->value(), 0x22);
-        QTRY_COMPARE(tab.state->text(), kConnected);
-    }
-
     void survivesAPulledCable_data() { LinkBench::addRows(); }
     void survivesAPulledCable()
     {

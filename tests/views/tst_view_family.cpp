@@ -3,7 +3,6 @@
 #include "tests/support/log_capture.h"
 #include "tests/views/view_probe.h"
 #include "views/gauge_painting.h"
-#include "views/models/fingerForm_null.h"
 #include "views/models/finger_forms.h"
 #include "views/models/view_layout.h"
 
@@ -171,16 +170,6 @@ class TestViewFamily : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyNumberHasItsLayout()
-    {
-        for (int number = 0; number < 256; ++number) {
-            const bool made = std::any_of(std::begin(kViewMakers), std::end(kViewMakers),
-                                          [number](const ViewMaker &each) { return each.number == number; });
-            QVERIFY2(made == (findViewLayout(static_cast<uint8_t>(number)) != nullptr),
-                     qPrintable(QString::number(number)));
-        }
-    }
-
     void everyProgramId_data() { addRows(true); }
 
     void everyProgramId()
@@ -261,6 +250,10 @@ private Q_SLOTS:
         QCOMPARE(shown(0.01F, 0.0F, 359), expected.byNormal ? turned : 0xFFFF);
         QCOMPARE(shown(0.0F, 0.01F, 359), expected.byNormal ? 0xFFFF : turned);
         QCOMPARE(shown(0.01F, 0.01F, 0), expected.rotation);
+        for (const auto &[tangential, scale] : {std::pair{0.01F, 0.0005F}, {5.0F, 0.25F}, {25.0F, 1.0F}}) {
+            shown(9.0F, tangential, 360);
+            QCOMPARE(view.gauge(1)->arrowScale, scale);
+        }
         for (const int direction : {360, 400})
             QCOMPARE(shown(0.01F, 0.01F, static_cast<uint16_t>(direction)),
                      expected.byNormal ? direction : 0xFFFF);
@@ -319,26 +312,6 @@ private Q_SLOTS:
         QCOMPARE(view.find<QProgressBar>("pbSProx_", 1)->value(), 449999);
         QCOMPARE(view.find<QProgressBar>("pbSProx_", 2)->value(), 450000);
         QCOMPARE(view.find<QProgressBar>("pbMProx_", 1)->value(), 450000);
-    }
-
-    void skeletonFollowsTheNormalForce()
-    {
-        fingerForm_null view(skeletonLayout());
-        const auto *gauge = view.findChild<ydds *>(QStringLiteral("label_1"));
-        view.setYdds(0, 5.0F, 0.0F, 359);
-        view.setYdds(1, 1.0F, 3.0F, 0);
-        QCOMPARE(gauge->direction, uint16_t(359));
-        QCOMPARE(gauge->discBrush.color(), QColor(255, 145, 145));
-        view.setYdds(0, 0.0F, 3.0F, 10);
-        QCOMPARE(gauge->direction, uint16_t(0xFFFF));
-    }
-
-    void barsStandBesideOtherPages()
-    {
-        ViewLayout layout = skeletonLayout();
-        layout.pages = kForcePage;
-        const fingerForm_null view(layout);
-        QVERIFY(view.findChild<QProgressBar *>(QStringLiteral("pbSProx_1")) != nullptr);
     }
 };
 
