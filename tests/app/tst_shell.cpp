@@ -5,10 +5,6 @@
 #include "sim/SimUsb.h"
 #include "tests/support/log_capture.h"
 
-#include <QDir>
-#include <QFile>
-#include <QRegularExpression>
-#include <QStandardPaths>
 #include <QtTest>
 #include <QtWidgets>
 

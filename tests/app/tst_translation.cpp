@@ -6,8 +6,6 @@
 #include "views/class_finger.h"
 #include "views/models/view_factory.h"
 
-#include <QRegularExpression>
-#include <QTranslator>
 #include <QtTest>
 #include <QtWidgets>
 

@@ -8,9 +8,6 @@
 #include "tests/panel/panel_bench.h"
 
 #include <QCheckBox>
-#include <QDir>
-#include <QTemporaryDir>
-#include <QTranslator>
 #include <QtTest>
 
 #include <csignal>

@@ -10,9 +10,8 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/test_bytes.h"
 
-#include <QCoreApplication>
 #include <QSerialPort>
-#include <QTest>
+#include <QtTest>
 
 #include <poll.h>
 

@@ -1,7 +1,6 @@
 #include "tests/engine/worker_harness.h"
 
-#include <QCoreApplication>
-#include <QTest>
+#include <QtTest>
 
 #include <algorithm>
 

@@ -5,7 +5,6 @@
 #include "tests/update/VirtualTime.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QtTest>
 
 class tst_fuzz_corpus : public QObject

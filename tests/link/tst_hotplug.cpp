@@ -5,9 +5,7 @@
 #include "tests/link/fake_vendor.h"
 #include "tests/support/log_capture.h"
 
-#include <QSignalSpy>
-#include <QTest>
-#include <QThread>
+#include <QtTest>
 
 #include <atomic>
 #include <thread>

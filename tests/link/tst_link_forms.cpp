@@ -6,8 +6,7 @@
 #include "link/pca9548.h"
 
 #include <QComboBox>
-#include <QSignalSpy>
-#include <QTest>
+#include <QtTest>
 
 class tst_link_forms : public QObject
 {

@@ -7,8 +7,7 @@
 #include "tests/link/fake_vendor.h"
 #include "tests/support/log_capture.h"
 
-#include <QSignalSpy>
-#include <QTest>
+#include <QtTest>
 
 #include <memory>
 #include <tuple>

@@ -5,17 +5,8 @@
 #include "sim/SimSerialBus.h"
 #include "views/class_finger.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMdiArea>
-#include <QMdiSubWindow>
-#include <QPushButton>
-#include <QSpinBox>
-#include <QStandardPaths>
-#include <QTreeWidget>
 #include <QtTest>
+#include <QtWidgets>
 
 /// A monitor window on a simulated serial line.
 class MonitorBench

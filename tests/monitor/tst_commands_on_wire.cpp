@@ -5,12 +5,7 @@
 #include "tests/support/box_answer.h"
 #include "tests/support/log_capture.h"
 
-#include <QDoubleSpinBox>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QSpinBox>
-#include <QTabWidget>
-#include <QTableWidget>
+#include <QtWidgets>
 
 #include <functional>
 

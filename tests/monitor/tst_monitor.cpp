@@ -7,10 +7,8 @@
 #include "tests/support/box_answer.h"
 #include "tests/support/log_capture.h"
 
-#include <QHelpEvent>
 #include <QSignalSpy>
-#include <QSplitter>
-#include <QToolTip>
+#include <QtWidgets>
 
 namespace {
 

@@ -3,10 +3,8 @@
 #include "panel/fingerForm.h"
 #include "protocol/frames.h"
 
-#include <QAbstractButton>
-#include <QLineEdit>
 #include <QPointer>
-#include <QTableWidget>
+#include <QtWidgets>
 
 /// A panel without a worker, attached to a model: what it sends is kept as text, what a sensor would say is
 /// handed to its slots.

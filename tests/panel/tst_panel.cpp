@@ -6,16 +6,8 @@
 #include "tests/support/box_answer.h"
 #include "tests/support/log_capture.h"
 
-#include <QAbstractButton>
-#include <QCheckBox>
-#include <QComboBox>
-#include <QDir>
-#include <QFile>
-#include <QLabel>
-#include <QSignalSpy>
-#include <QSpinBox>
-#include <QTabWidget>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 

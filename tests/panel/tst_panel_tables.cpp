@@ -5,15 +5,8 @@
 #include "panel/force_threshold.h"
 #include "tests/support/log_capture.h"
 
-#include <QAbstractButton>
-#include <QComboBox>
-#include <QDir>
-#include <QDoubleSpinBox>
-#include <QFile>
-#include <QIntValidator>
-#include <QStandardPaths>
-#include <QTabWidget>
 #include <QtTest>
+#include <QtWidgets>
 
 namespace {
 

@@ -5,7 +5,6 @@
 #include "plotting/curve_points.h"
 #include "plotting/recording_file.h"
 
-#include <QBuffer>
 #include <QtTest>
 
 #include <cmath>

@@ -7,16 +7,9 @@
 #include "plotting/window/PlotWindow.h"
 #include "plotting/window/plot_language.h"
 
-#include <QAction>
-#include <QLabel>
-#include <QMouseEvent>
-#include <QProcess>
-#include <QSpinBox>
 #include <QTcpSocket>
-#include <QTemporaryDir>
-#include <QTranslator>
-#include <QWheelEvent>
 #include <QtTest>
+#include <QtWidgets>
 #include <qwt_text.h>
 
 #include <csignal>

@@ -5,8 +5,6 @@
 #include "tests/support/log_capture.h"
 #include "tests/support/test_bytes.h"
 
-#include <QCryptographicHash>
-#include <QString>
 #include <QtTest>
 
 #include <numeric>

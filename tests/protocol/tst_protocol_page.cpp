@@ -3,8 +3,6 @@
 #include "protocol/class_sensorCmd.h"
 #include "protocol/sample.h"
 
-#include <QFile>
-#include <QRegularExpression>
 #include <QtTest>
 
 class tst_protocol_page : public QObject

@@ -5,10 +5,6 @@
 #include "recording/recording_folder.h"
 #include "tests/support/log_capture.h"
 
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTranslator>
 #include <QtTest>
 
 #include <csignal>

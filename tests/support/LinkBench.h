@@ -5,8 +5,6 @@
 #include "sim/SimSerialBus.h"
 #include "sim/SimUsb.h"
 
-#include <QMetaType>
-#include <QString>
 #include <QWidget>
 #include <QtTest>
 

@@ -6,7 +6,6 @@
 #include "tools/debug_entry.h"
 #include "tools/sensorDebugForm.h"
 
-#include <QRegularExpression>
 #include <QtWidgets>
 
 #include <functional>

@@ -1,6 +1,5 @@
 #include "tests/update/UpdateBench.h"
 
-#include <QFile>
 #include <QtTest>
 
 bool UpdateTab::enter(const UpdateBench &bench)

@@ -4,14 +4,8 @@
 #include "tests/support/test_bytes.h"
 #include "update/fwUpdateForm.h"
 
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSpinBox>
 #include <QTemporaryDir>
+#include <QtWidgets>
 
 using Kind = LinkBench::Kind;
 

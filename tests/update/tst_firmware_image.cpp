@@ -5,9 +5,6 @@
 #include "update/firmware_image.h"
 #include "update/hex2bin.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 #include <QtTest>
 
 #include <tuple>

@@ -6,7 +6,6 @@
 #include "update/success_text.h"
 
 #include <QFileDialog>
-#include <QTimer>
 #include <QtTest>
 
 namespace {

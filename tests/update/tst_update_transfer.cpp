@@ -3,8 +3,6 @@
 #include "tests/support/log_capture.h"
 #include "tests/update/UpdateBench.h"
 
-#include <QRegularExpression>
-#include <QSignalSpy>
 #include <QtTest>
 
 #include <functional>

@@ -5,10 +5,8 @@
 #include "tests/support/test_bytes.h"
 #include "views/class_finger.h"
 
-#include <QSignalSpy>
-#include <QTest>
-#include <QTextStream>
 #include <QWidget>
+#include <QtTest>
 
 #include <array>
 

@@ -6,12 +6,8 @@
 #include "views/models/finger_forms.h"
 #include "views/models/view_layout.h"
 
-#include <QFontMetrics>
-#include <QLabel>
-#include <QMap>
-#include <QProgressBar>
-#include <QTabWidget>
-#include <QTest>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <algorithm>
 #include <iterator>

@@ -9,20 +9,8 @@
 #include "views/sensorForm.h"
 #include "views/ydds.h"
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QGridLayout>
-#include <QLabel>
-#include <QMap>
-#include <QPainter>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QScopeGuard>
-#include <QScrollArea>
-#include <QSignalSpy>
-#include <QTabWidget>
-#include <QTest>
-#include <QtMath>
+#include <QtTest>
+#include <QtWidgets>
 
 #include <algorithm>
 #include <cstdlib>

@@ -2,9 +2,7 @@
 
 #include "tests/link/usb/FakeUsbDevice.h"
 
-#include <QByteArray>
-#include <QCoreApplication>
-#include <QTest>
+#include <QtTest>
 
 #include <atomic>
 #include <functional>
