@@ -115,22 +115,24 @@ private Q_SLOTS:
         FakeUsbDevice other(m_bus, "1-3", 13, otherChip);
         FakeUsbDevice onPort21(m_bus, "1-21", 14, chip);
         FakeUsbDevice onPort22(m_bus, "1-22", 15, chip);
-        for (FakeUsbDevice *device : {&onHubPort3, &other, &onPort22, &onHubPort1, &onPort21, &onRootPort})
+        FakeUsbDevice onHubPort10(m_bus, "1-2.10", 16, chip);
+        for (FakeUsbDevice *device :
+             {&onHubPort3, &other, &onPort22, &onHubPort10, &onHubPort1, &onPort21, &onRootPort})
             device->plug();
         QCOMPARE(CH341GetDeviceName(0), "usb#VID_1A86&PID_5512#1&0&0&1#/dev/bus/usb/001/012");
         QCOMPARE(CH341GetDeviceName(1), "usb#VID_1A86&PID_5512#1&0&0&21#/dev/bus/usb/001/011");
         QCOMPARE(CH341GetDeviceName(2), "usb#VID_1A86&PID_5512#1&0&0&23#/dev/bus/usb/001/010");
-        QVERIFY(CH341GetDeviceName(5) == nullptr);
+        QVERIFY(CH341GetDeviceName(6) == nullptr);
         QVERIFY(CH341GetDeviceName(16) == nullptr);
 
         LogCapture log;
         class_ch341 link;
         link.scan();
         // Port 21 has the digits of port 1 of the hub in port 2, and leaves those of others alone.
-        QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1021, 1023, 1024, 1022)"));
+        QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1021, 1023, 1210, 1024, 1022)"));
         onHubPort1.unplug();
         link.scan();
-        QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1023, 1021, 1022)"));
+        QCOMPARE(log.lines().constLast(), QStringLiteral("QVector(1001, 1023, 1210, 1021, 1022)"));
     }
 
     void ch347List()

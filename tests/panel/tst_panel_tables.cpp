@@ -125,6 +125,17 @@ private Q_SLOTS:
             Q_EMIT bench.channel(1, edit.column)->editingFinished();
             QCOMPARE(bench.takeSent(), QLatin1String(edit.sent));
         }
+
+        // The values of a filter that have no column of their own go out with the first.
+        PanelBench narrow(PanelBench::kSmall);
+        narrow.get<QTableWidget>("tbwThreshold")->setColumnCount(4);
+        narrow.answer("5a", "da01020304050507080000003f0000803fcdcccc3d00002041");
+        QLineEdit *first = narrow.cell("tbwThreshold", 1, 3);
+        narrow.answer("5a", "da01020304050607080000003f0000803fcdcccc3d00002041");
+        QCOMPARE(narrow.cell("tbwThreshold", 1, 3), first);
+        first->setText(QStringLiteral("4"));
+        Q_EMIT first->editingFinished();
+        QCOMPARE(narrow.takeSent(), QStringLiteral("aa5503590104060000803f2502/11"));
     }
 
     void dropsColumnsOfAnotherLength()

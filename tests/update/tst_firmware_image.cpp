@@ -69,6 +69,7 @@ private Q_SLOTS:
             {"only an end record", kEnd, {}},
             {"bad sum in the last line", data + ":00000001FE\n", {}},
             {"start linear address", data + record(5, 0, "1234") + kEnd, {}},
+            {"lower case", ":01000000aa55\n", "\xAA"},
             {"unreadable data", QByteArray(":04000000010x0304F2\n"), {}},
             {"missing check", QByteArray(":0400000001020304\n"), {}},
             {"shorter than it says", QByteArray(":0500000001020304F1\n"), {}}};
