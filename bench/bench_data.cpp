@@ -1,5 +1,5 @@
-// Cost of what is done to bytes: samples decoded, lengths found, records made, firmware read. Each against the
-// least that any program would do for the same result.
+// Cost of what is done to bytes: samples decoded, lengths found, records made, firmware read. Each against
+// the least that any program would do for the same result.
 
 #include "bench/compare.h"
 #include "monitor/tcp_record.h"

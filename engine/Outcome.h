@@ -4,6 +4,6 @@
 enum class Outcome {
     Done,
     Failed, ///< nothing came that could be used
-    /// The link went away or the worker was stopped meanwhile: nothing that the step was about exists any more.
+    /// The link went away or the worker was stopped meanwhile: what the step was about exists no more.
     Void,
 };

@@ -80,8 +80,8 @@ void PanelArea::resizeEvent(QResizeEvent *event)
     widenTree();
 }
 
-// Names of sensors are longer than the tree is at first. In a large window there is room for them, as long as the
-// user has not said otherwise.
+// Names of sensors are longer than the tree is at first. In a large window there is room for them, as long
+// as the user has not said otherwise.
 void PanelArea::widenTree()
 {
     const int frame = tree->width() - tree->viewport()->width();

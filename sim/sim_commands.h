@@ -22,7 +22,7 @@ struct SimCommandContext
 /// not know the command and keeps silent.
 std::optional<QByteArray> simExecute(const SimCommandContext &context, const QByteArray &request);
 
-/// Answer payload that tells a single byte, such as success (0) or the reason of a refusal: the fourth of five.
+/// Answer payload that tells a single byte, the fourth of five: success (0) or the reason of a refusal.
 QByteArray simSinglePayload(uint8_t value);
 /// True for the commands whose answer reports success or a refusal.
 bool simReportsStatus(uint8_t command);

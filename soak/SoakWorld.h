@@ -12,8 +12,8 @@
 #include <thread>
 #include <vector>
 
-/// The bench of a soak and everything that goes wrong with it: a CH341 and a CH347 with fourteen sensors each,
-/// a serial line with six. All sensors err now and then; cables are pulled and plugged, sensors come and go,
+/// The bench of a soak and all that goes wrong with it: a CH341 and a CH347 with fourteen sensors each, a
+/// serial line with six. All sensors err now and then; cables are pulled and plugged, sensors come and go,
 /// transfers fail and the disk is full for a while, on a thread of its own.
 class SoakWorld
 {

@@ -62,7 +62,7 @@ bool SoakReport::print(const SoakCounts &counts) const
         QStringLiteral("%1 ms (after \"%2\")").arg(stall.count()).arg(stallAfter));
     row("  where a rule makes it wait", QStringLiteral("%1 ms").arg(stallByRule.count()));
     row("  of a bare thread beside it", QStringLiteral("%1 ms").arg(stallOfMachine.count()));
-    // By half time all kinds of panels, lists and letters have been drawn once and what is kept of them is there.
+    // By half time all kinds of panels, lists and letters have been drawn once, and what is kept is there.
     const Vitals early = vitals.size() > 2 ? vitals.at(2) : Vitals();
     const Vitals late = vitals.empty() ? Vitals() : vitals.back();
     row("memory in use at start, after 2 min, half, end",

@@ -1,4 +1,4 @@
-// The first byte chooses the model; then each answer, sample or news from the worker takes a byte and what it brings.
+// The first byte chooses the model; each answer, sample or news of the worker takes one and what it brings.
 
 #include "panel/fingerForm.h"
 #include "protocol/finger_info.h"
