@@ -196,6 +196,8 @@ private Q_SLOTS:
         QCOMPARE(shown("74", QByteArray::fromHex("e909000000"), "lbTemp"), QStringLiteral("25.37"));
         QCOMPARE(shown("a4", QByteArray("\6AB\0X12", 7), "lbSN"), QStringLiteral("AB"));
         QCOMPARE(shown("a4", '\xC8' + QByteArray(200, 'S'), "lbSN"), QString(50, QLatin1Char('S')));
+        bench.answer("5c", "dc01e8030000");
+        QCOMPARE(bench.get<QSpinBox>("spbProxClearTouchTimeout")->value(), 1000);
         // The shortest of answers reads as zeros.
         for (const char *command : {"41", "44", "46", "4a", "51", "53", "5a", "5c", "5e", "62", "66", "68",
                                     "6d", "6f", "74", "a0", "a4", "a6", "aa"})
