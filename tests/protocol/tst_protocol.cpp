@@ -65,8 +65,10 @@ private Q_SLOTS:
 
     void catalogue()
     {
-        const auto add = [](int sum, const sensor_cmd_ts &row) { return sum + row.rspLen; };
-        QCOMPARE(std::accumulate(cmds.begin(), cmds.end(), 0, add), 709);
+        const auto add = [](QPoint sum, const sensor_cmd_ts &row) {
+            return sum + QPoint(row.cmd, row.rspLen);
+        };
+        QCOMPARE(std::accumulate(cmds.begin(), cmds.end(), QPoint(), add), QPoint(6700, 709));
         const auto lookUp = [](uint8_t cmd, int rspLen, const QString &name) {
             QCOMPARE(int(class_sensorCmd::getRspLen(cmd)), rspLen);
             QCOMPARE(class_sensorCmd::getStr(cmd), name);
