@@ -164,6 +164,8 @@ private Q_SLOTS:
         QTest::newRow("help") << "--help" << 0 << "";
         QTest::newRow("language") << "--language fr" << 2 << "--language takes en or zh_cn.";
         QTest::newRow("unknown") << "--colour" << 2 << "Unknown option 'colour'. See --help.";
+        QTest::newRow("port") << "--listen 70000" << 2
+                              << "--listen takes a port from 0 to 65535, or address:port.";
         QTest::newRow("both") << "--listen 1 a.csv" << 2 << "either --listen or recordings, not both.";
         QTest::newRow("missing") << "/nowhere/a.csv" << 1 << "/nowhere/a.csv: No such file or directory.";
         QTest::newRow("unwritable") << "--picture /nowhere/a.svg %1" << 1

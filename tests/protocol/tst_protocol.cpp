@@ -81,6 +81,42 @@ private Q_SLOTS:
         lookUp(0x49, 0, {});
     }
 
+    void builders()
+    {
+        using C = class_sensorCmd;
+        uint8_t to[kRequestLength];
+        const auto built = [&to](int rspLen) {
+            return QByteArray(reinterpret_cast<char *>(to), kRequestLength).toHex() + ' ' +
+                   QByteArray::number(rspLen);
+        };
+        QCOMPARE(built(C::SC_ChannelResetAll(0x61, to)), QByteArray("aa5561790000000000d901 6"));
+        QCOMPARE(built(C::SC_GetVersion(0x61, to)), QByteArray("aa5561a000000000000002 25"));
+        QCOMPARE(built(C::SC_Reset(0x61, to)), QByteArray("aa5561a100000000000102 6"));
+        QCOMPARE(built(C::SC_GetCali(0x61, to)), QByteArray("aa55617d0000000000dd01 94"));
+        QCOMPARE(built(C::SC_Factor(0x61, to)), QByteArray("aa5561760000000000d601 11"));
+        QCOMPARE(built(C::SC_SetYddsUnif(0x61, to)), QByteArray("aa55617a0000000000da01 27"));
+        QCOMPARE(built(C::SC_GetAddr(0x61, to)), QByteArray("aa5561710000000000d101 11"));
+        QCOMPARE(built(C::SC_GetType(0x61, to)), QByteArray("aa5561a200000000000202 11"));
+        QCOMPARE(built(C::SC_AutoDac(0x61, to)), QByteArray("aa5561630000000000c301 6"));
+        QCOMPARE(built(C::SC_GetAutoThreshold(0x61, to)), QByteArray("aa5561680000000000c801 6"));
+        QCOMPARE(built(C::SC_GetSensorChannel(0x61, to)), QByteArray("aa5561620000000000c201 11"));
+        QCOMPARE(built(C::SC_GetErrCode(0x61, to)), QByteArray("aa5561640000000000c401 11"));
+        QCOMPARE(built(C::SC_ChannelResetSingle(0x61, 0x05, to)), QByteArray("aa55617c0500000000e101 11"));
+        QCOMPARE(built(C::SC_ChannelEnable(0x61, 0x02, 0x01, 0x0180, to)),
+                 QByteArray("aa55617b02800301006102 11"));
+        QCOMPARE(built(C::SC_SetCali(0x61, 0x03, 0x89ABCDEF, to)), QByteArray("aa55617803efcdab89cb04 11"));
+        QCOMPARE(built(C::SC_SetSendType(0x61, 0x04, to)), QByteArray("aa55617f0000000400e301 11"));
+        QCOMPARE(built(C::SC_SetAddr(0x61, 0x62, to)), QByteArray("aa55617000000062003202 11"));
+        QCOMPARE(built(C::SC_AutoThreshold(0x61, 0x0A, 0x00010203, to)),
+                 QByteArray("aa5561670a03020100d701 6"));
+        QCOMPARE(built(C::SC_SetChannelCali(0x61, 0x01, 0x02, 0x89ABCDEF, to)),
+                 QByteArray("aa5561650102efcdab2f04 11"));
+        QCOMPARE(built(C::SC_SetChannelThreshold(0x61, 0x07, 0x00000100, to)),
+                 QByteArray("aa5561690700010000d101 11"));
+        QCOMPARE(built(C::SC_GetChannelCali(0x61, 0x06, to)), QByteArray("aa5561660600000000cc01 94"));
+        QCOMPARE(built(C::SC_SetCapOffset(0x61, 0x05, to)), QByteArray("aa5561730000000500d801 6"));
+    }
+
     void knownRowsStand()
     {
         // The first 76 rows as lines of text, all fields in their order; new ones come behind them.

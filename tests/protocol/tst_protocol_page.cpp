@@ -1,6 +1,6 @@
 // The frames and numbers that the page for integrators prints are those of the code.
 
-#include "protocol/class_sensorCmd.h"
+#include "protocol/frames.h"
 #include "protocol/sample.h"
 
 #include <QtTest>
@@ -32,17 +32,10 @@ private Q_SLOTS:
             if (!block.key().startsWith(QLatin1String("poll")))
                 QVERIFY2(frameSumFits(*block), qPrintable(block.key()));
         }
-        const auto built = [](auto build) {
-            QByteArray frame(kRequestLength, '\0');
-            build(reinterpret_cast<uint8_t *>(frame.data()));
-            return frame;
-        };
-        using C = class_sensorCmd;
-        QCOMPARE(bytes("request version of 0x61"), built([](uint8_t *to) { C::SC_GetVersion(0x61, to); }));
+        QCOMPARE(bytes("request version of 0x61"), requestFrame(0x61, 0xA0));
         QCOMPARE(bytes("request program id"), requestFrame(0x61, 0xA6));
-        QCOMPARE(bytes("request send type 4"), built([](uint8_t *to) { C::SC_SetSendType(0x61, 4, to); }));
-        QCOMPARE(bytes("request new address 0x62"),
-                 built([](uint8_t *to) { C::SC_SetAddr(0x61, 0x62, to); }));
+        QCOMPARE(bytes("request send type 4"), requestFrame(0x61, 0x7F, {0, 0, 0, 4}));
+        QCOMPARE(bytes("request new address 0x62"), requestFrame(0x61, 0x70, {0, 0, 0, 0x62}));
         QCOMPARE(bytes("response program id 0x1C in byte 7").mid(2, 6), QByteArray("\x61\xA6\0\0\0\x1C", 6));
         QCOMPARE(bytes("response send type, status 0 in byte 7").mid(2, 6),
                  QByteArray("\x61\xFF\0\0\0\0", 6));
