@@ -223,6 +223,14 @@ private Q_SLOTS:
         advance(5000); // polling is the owner's to end
         QCOMPARE(bench.readLengths.size(), 700);
         QCOMPARE(bench.timeouts.count(), 1);
+
+        SenderBench answered(testBytes(100)); // every answer starts the guard anew
+        answered.sendHeader();
+        for (const char *answer : {"\x06", "C", "\x06"}) {
+            advance(1900);
+            answered.receive({answer});
+        }
+        QCOMPARE(answered.timeouts.count(), 0);
     }
     void receiverCancels()
     {

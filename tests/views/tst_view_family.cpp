@@ -10,7 +10,6 @@
 #include <QtWidgets>
 
 #include <algorithm>
-#include <iterator>
 
 namespace {
 

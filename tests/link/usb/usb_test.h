@@ -4,7 +4,6 @@
 
 #include <QtTest>
 
-#include <atomic>
 #include <functional>
 #include <string>
 #include <thread>
